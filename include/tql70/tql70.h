@@ -1,0 +1,15 @@
+/* tql70: the umbrella header. Includes every family of the library. */
+#ifndef TQL70_TQL70_H
+#define TQL70_TQL70_H
+
+#include "export.h"
+#include "error.h"
+#include "aerr.h"
+#include "gerror.h"
+#include "process_env.h"
+#include "gmem.h"
+#include "string_search.h"
+#include "platform.h"
+#include "base64.h"
+
+#endif /* TQL70_TQL70_H */

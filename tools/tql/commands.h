@@ -1,0 +1,28 @@
+// The subcommands of tql. Each takes the arguments after its name and
+// returns the process exit status.
+#ifndef TQL70_TOOLS_TQL_COMMANDS_H
+#define TQL70_TOOLS_TQL_COMMANDS_H
+
+#include <string>
+#include <vector>
+
+namespace tql_tool {
+
+using Args = std::vector<std::string>;
+
+struct Command {
+    const char* name;
+    const char* synopsis;
+    const char* summary;
+    int (*run)(const Args& args);
+};
+
+// Every subcommand, in the order --help lists them.
+const std::vector<Command>& commands();
+
+// Prints "tql: MESSAGE" and the command's usage to stderr; returns 2.
+int usage_error(const Command& command, const std::string& message);
+
+} // namespace tql_tool
+
+#endif
