@@ -1,0 +1,59 @@
+// RAII guards for tests: a temporary directory, a process variable, and a
+// settings store placed in a temporary directory.
+#ifndef TQL70_TESTS_SUPPORT_SCOPED_ENV_H
+#define TQL70_TESTS_SUPPORT_SCOPED_ENV_H
+
+#include <initializer_list>
+#include <optional>
+#include <string>
+#include <utility>
+
+namespace tql_test {
+
+// A new empty directory, removed with its contents on destruction.
+class TempDir {
+public:
+    TempDir();
+    ~TempDir();
+    TempDir(const TempDir&) = delete;
+    TempDir& operator=(const TempDir&) = delete;
+    const std::string& path() const { return path_; }
+    // Writes `content` to path()/relative, creating parent directories.
+    std::string write_file(const std::string& relative, const std::string& content) const;
+
+private:
+    std::string path_;
+};
+
+// Sets (or with nullopt, unsets) a process variable; restores it on
+// destruction.
+class ScopedEnv {
+public:
+    ScopedEnv(const std::string& name, const std::optional<std::string>& value);
+    ~ScopedEnv();
+    ScopedEnv(const ScopedEnv&) = delete;
+    ScopedEnv& operator=(const ScopedEnv&) = delete;
+
+private:
+    std::string name_;
+    std::optional<std::string> saved_;
+};
+
+// Points XDG_CONFIG_HOME and XDG_CONFIG_DIRS at fresh temporary folders
+// and writes the given [General] keys into the user and system stores.
+class ScopedSettingsStore {
+public:
+    using Keys = std::initializer_list<std::pair<const std::string, std::string>>;
+    explicit ScopedSettingsStore(Keys user_keys, Keys system_keys = {});
+
+    const TempDir& dir() const { return dir_; }
+
+private:
+    TempDir dir_;
+    ScopedEnv config_home_;
+    ScopedEnv config_dirs_;
+};
+
+} // namespace tql_test
+
+#endif

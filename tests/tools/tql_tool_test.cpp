@@ -1,0 +1,98 @@
+// The tql command line: exit statuses, outputs and usage errors.
+#include "support/scoped_env.h"
+
+#include <tql70/process_env.h>
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <string>
+#include <sys/wait.h>
+
+namespace {
+
+struct ToolRun {
+    int status;
+    std::string out;
+};
+
+// Runs tql with `arguments` (already shell-quoted), stderr merged or not.
+ToolRun tql(const std::string& arguments, bool merge_stderr = false)
+{
+    const std::string command =
+        std::string(TQL_BINARY) + " " + arguments + (merge_stderr ? " 2>&1" : " 2>/dev/null");
+    FILE* pipe = popen(command.c_str(), "r");
+    ToolRun run{-1, ""};
+    char buffer[4096];
+    size_t n;
+    while ((n = fread(buffer, 1, sizeof buffer, pipe)) > 0) {
+        run.out.append(buffer, n);
+    }
+    const int raw = pclose(pipe);
+    run.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
+    return run;
+}
+
+TEST(TqlTool, HelpAndVersion)
+{
+    const ToolRun help = tql("--help");
+    EXPECT_EQ(help.status, 0);
+    for (const char* command : {"tql version", "tql getenv NAME", "tql errors"}) {
+        EXPECT_NE(help.out.find(command), std::string::npos) << command;
+    }
+    const ToolRun version = tql("version");
+    EXPECT_EQ(version.status, 0);
+    EXPECT_EQ(version.out, std::string(kps_version_str("")) + "\n");
+}
+
+TEST(TqlTool, GetenvReadsProcessThenStore)
+{
+    tql_test::ScopedSettingsStore store({{"TQL_TOOL_STORED", "from-store"}});
+    tql_test::ScopedEnv set("TQL_TOOL_SET", std::string("from-env"));
+    tql_test::ScopedEnv unset("TQL_TOOL_UNSET", std::nullopt);
+
+    EXPECT_EQ(tql("getenv TQL_TOOL_SET").out, "from-env\n");
+    const ToolRun stored = tql("getenv TQL_TOOL_STORED");
+    EXPECT_EQ(stored.status, 0);
+    EXPECT_EQ(stored.out, "from-store\n");
+    const ToolRun missing = tql("getenv TQL_TOOL_UNSET", true);
+    EXPECT_EQ(missing.status, 1);
+    EXPECT_EQ(missing.out, "tql: TQL_TOOL_UNSET is not defined\n");
+}
+
+TEST(TqlTool, ErrorsListsEveryCode)
+{
+    const ToolRun errors = tql("errors");
+    EXPECT_EQ(errors.status, 0);
+    EXPECT_NE(errors.out.find(" 23  Cannot open file\n"), std::string::npos);
+    EXPECT_NE(errors.out.find("  0  GuiErrno out of range\n"), std::string::npos);
+    EXPECT_NE(errors.out.find(" 30  Clock stop failed\n"), std::string::npos);
+    size_t lines = 0;
+    for (char c : errors.out) {
+        lines += c == '\n';
+    }
+    EXPECT_EQ(lines, 31u);
+}
+
+TEST(TqlTool, BadArgumentsAreUsageErrors)
+{
+    struct Case {
+        const char* arguments;
+        const char* message;
+    } cases[] = {
+        {"", "usage: tql COMMAND"},
+        {"frobnicate", "tql: unknown command 'frobnicate'"},
+        {"getenv", "tql: getenv takes one variable name\nusage: tql getenv NAME\n"},
+        {"getenv A B", "tql: getenv takes one variable name"},
+        {"version extra", "tql: version takes no arguments"},
+        {"errors extra", "tql: errors takes no arguments"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.arguments);
+        const ToolRun run = tql(c.arguments, true);
+        EXPECT_EQ(run.status, 2);
+        EXPECT_NE(run.out.find(c.message), std::string::npos) << run.out;
+    }
+}
+
+} // namespace
