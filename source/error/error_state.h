@@ -44,11 +44,13 @@ LegacyReportFunction& global_warning_function();
 LegacyReportFunction error_hook();
 LegacyReportFunction warning_hook();
 
-// Appends `part` to `text`, with a line feed between them unless `text` is
-// empty or ends in one, or `part` begins with one. Only the first
-// character of `part` is looked at, so an empty part still gets the line
-// feed in front of it.
-void join_part(std::string& text, const char* part);
+// Appends `part` to `text`, which ends with the part `previous`: a line
+// feed goes between them unless `text` is empty, `previous` ends in one, or
+// `part` begins with one. Only the first character of `part` and the last
+// of `previous` are looked at, so an empty part still gets a line feed in
+// front of it, and the part after an empty part gets one too:
+// ("a", "", "c") joins to "a\n\nc".
+void join_part(std::string& text, const char* previous, const char* part);
 
 // Report kinds given to ErrorHandler::handle_report.
 enum ReportKind { kReportError = 1, kReportWarning = 2 };

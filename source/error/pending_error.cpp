@@ -7,6 +7,7 @@
 #include <QString>
 
 #include <cstdio>
+#include <cstring>
 
 // Constant-initialised, so it exists before any static constructor of an
 // application can report an error.
@@ -18,10 +19,12 @@ int AerrFlag = 0;
 
 namespace tql::error {
 
+// Never destroyed, so errors reported from exit handlers and static
+// destructors of the application still find the record.
 PendingRecord& pending_record()
 {
-    static PendingRecord record;
-    return record;
+    static PendingRecord* record = new PendingRecord;
+    return *record;
 }
 
 int pending_flag()
@@ -34,9 +37,11 @@ void set_pending_flag(int value)
     __atomic_store_n(&AerrFlag, value, __ATOMIC_RELEASE);
 }
 
-void join_part(std::string& text, const char* part)
+void join_part(std::string& text, const char* previous, const char* part)
 {
-    if (!text.empty() && text.back() != '\n' && part[0] != '\n') {
+    const size_t previous_length = std::strlen(previous);
+    const bool previous_ends_line = previous_length > 0 && previous[previous_length - 1] == '\n';
+    if (!text.empty() && !previous_ends_line && part[0] != '\n') {
         text += '\n';
     }
     text += part;
@@ -76,7 +81,7 @@ void set_pending_error(const char* a, const char* b)
 {
     QMutexLocker locker(&error_lock);
     set_pending_error_no_lock(a);
-    join_part(pending_record().text, b);
+    join_part(pending_record().text, a, b);
 }
 
 void set_pending_error(const std::string& a, const std::string& b)
@@ -88,8 +93,8 @@ void set_pending_error(const char* a, const char* b, const char* c)
 {
     QMutexLocker locker(&error_lock);
     set_pending_error_no_lock(a);
-    join_part(pending_record().text, b);
-    join_part(pending_record().text, c);
+    join_part(pending_record().text, a, b);
+    join_part(pending_record().text, b, c);
 }
 
 bool get_pending_error(std::string* out)
@@ -213,7 +218,7 @@ void report_warning(const QString& text)
 void report_warning(const char* a, const char* b)
 {
     std::string joined = a;
-    join_part(joined, b);
+    join_part(joined, a, b);
     report_warning(joined.c_str());
 }
 
