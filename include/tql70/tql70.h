@@ -9,6 +9,9 @@
 #include "process_env.h"
 #include "gmem.h"
 #include "string_search.h"
+#include "gparse.h"
+#include "avltree.h"
+#include "zq_paths.h"
 #include "platform.h"
 #include "base64.h"
 

@@ -12,47 +12,60 @@ namespace {
 
 using Compare = int (*)(const void*, const void*);
 
-// How elements are exchanged: one 32-bit word (element size 4), whole
-// 32-bit words (aligned base, size a multiple of 4), or bytes.
-enum class SwapKind { kWord, kWords, kBytes };
+// How elements are exchanged: whole 32-bit words when the base address and
+// the element size are multiples of 4, bytes otherwise. The word count is
+// a template argument for the common sizes (one word for 4-byte elements,
+// two for 8-byte ones such as pointers), so the exchange compiles to a few
+// moves; 0 means the count is taken from the element size at run time.
+enum class SwapKind { kWords, kBytes };
 
+template <SwapKind Kind, size_t Words>
 class Sorter {
 public:
-    Sorter(size_t size, Compare compare, SwapKind kind) : size_(size), compare_(compare), kind_(kind) {}
+    Sorter(size_t size, Compare compare) : size_(size), compare_(compare) {}
 
     void sort(char* a, size_t n);
 
 private:
+    // The element size; a constant when the word count is fixed.
+    size_t es() const
+    {
+        if constexpr (Kind == SwapKind::kWords && Words != 0) {
+            return Words * 4;
+        } else {
+            return size_;
+        }
+    }
+
+    static void swap_word(char* a, char* b)
+    {
+        uint32_t t;
+        std::memcpy(&t, a, 4);
+        std::memcpy(a, b, 4);
+        std::memcpy(b, &t, 4);
+    }
+
     void swap(char* a, char* b) const
     {
-        switch (kind_) {
-        case SwapKind::kWord: {
-            uint32_t t;
-            std::memcpy(&t, a, 4);
-            std::memcpy(a, b, 4);
-            std::memcpy(b, &t, 4);
-            break;
-        }
-        case SwapKind::kWords:
-            for (size_t i = 0; i < size_; i += 4) {
-                uint32_t t;
-                std::memcpy(&t, a + i, 4);
-                std::memcpy(a + i, b + i, 4);
-                std::memcpy(b + i, &t, 4);
-            }
-            break;
-        case SwapKind::kBytes:
+        if constexpr (Kind == SwapKind::kBytes) {
             for (size_t i = 0; i < size_; ++i) {
                 std::swap(a[i], b[i]);
             }
-            break;
+        } else if constexpr (Words != 0) {
+            for (size_t i = 0; i < Words * 4; i += 4) {
+                swap_word(a + i, b + i);
+            }
+        } else {
+            for (size_t i = 0; i < es(); i += 4) {
+                swap_word(a + i, b + i);
+            }
         }
     }
 
     // Exchanges the n bytes at a with the n bytes at b, element by element.
     void swap_range(char* a, char* b, size_t n) const
     {
-        for (; n > 0; n -= size_, a += size_, b += size_) {
+        for (; n > 0; n -= es(), a += es(), b += es()) {
             swap(a, b);
         }
     }
@@ -65,22 +78,22 @@ private:
 
     void insertion_sort(char* a, size_t n) const
     {
-        char* const end = a + n * size_;
-        for (char* m = a + size_; m < end; m += size_) {
-            for (char* l = m; l > a && compare_(l - size_, l) > 0; l -= size_) {
-                swap(l, l - size_);
+        char* const end = a + n * es();
+        for (char* m = a + es(); m < end; m += es()) {
+            for (char* l = m; l > a && compare_(l - es(), l) > 0; l -= es()) {
+                swap(l, l - es());
             }
         }
     }
 
     size_t size_;
     Compare compare_;
-    SwapKind kind_;
 };
 
-void Sorter::sort(char* a, size_t n)
+template <SwapKind Kind, size_t Words>
+void Sorter<Kind, Words>::sort(char* a, size_t n)
 {
-    const size_t es = size_;
+    const size_t es = this->es();
     for (;;) {
         if (n < 7) {
             insertion_sort(a, n);
@@ -185,9 +198,14 @@ extern "C" void tql_qsort(void* base, size_t count, size_t size, int (*compare)(
     if (!base || !compare || count < 2 || size == 0) {
         return;
     }
-    SwapKind kind = SwapKind::kBytes;
-    if (reinterpret_cast<uintptr_t>(base) % 4 == 0 && size % 4 == 0) {
-        kind = size == 4 ? SwapKind::kWord : SwapKind::kWords;
+    char* const a = static_cast<char*>(base);
+    if (reinterpret_cast<uintptr_t>(base) % 4 != 0 || size % 4 != 0) {
+        Sorter<SwapKind::kBytes, 0>(size, compare).sort(a, count);
+    } else if (size == 4) {
+        Sorter<SwapKind::kWords, 1>(size, compare).sort(a, count);
+    } else if (size == 8) {
+        Sorter<SwapKind::kWords, 2>(size, compare).sort(a, count);
+    } else {
+        Sorter<SwapKind::kWords, 0>(size, compare).sort(a, count);
     }
-    Sorter(size, compare, kind).sort(static_cast<char*>(base), count);
 }

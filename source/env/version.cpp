@@ -10,10 +10,12 @@ extern "C" char* kps_version_str(const char* prefix)
     static std::string buffer;
     const std::string version =
         std::string(TQL70_VERSION_NUMBER) + "." + TQL70_FIX_LEVEL + " " + TQL70_BUILD_DATE;
-    if (!prefix || !*prefix) {
-        buffer = version;
-    } else {
-        buffer = std::string(prefix) + " (*) " + version;
+    // Rewritten in place (clear keeps the storage), so an earlier result
+    // pointer shows the newest text while it fits.
+    buffer.clear();
+    if (prefix && *prefix) {
+        buffer.append(prefix).append(" (*) ");
     }
+    buffer.append(version);
     return &buffer[0];
 }

@@ -47,7 +47,11 @@ bool lookup_store(const QString& name, QString& value)
         QSettings store(file, QSettings::IniFormat);
         const QVariant found = store.value(name);
         if (found.isValid()) {
-            value = found.toString();
+            // An unquoted value with commas reads back as a list of
+            // strings; the variable's value is the whole text.
+            value = found.metaType().id() == QMetaType::QStringList
+                        ? found.toStringList().join(QLatin1Char(','))
+                        : found.toString();
             return true;
         }
     }
