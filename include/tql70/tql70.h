@@ -7,6 +7,7 @@
 #include "aerr.h"
 #include "gerror.h"
 #include "process_env.h"
+#include "gui_env.h"
 #include "gmem.h"
 #include "string_search.h"
 #include "gparse.h"

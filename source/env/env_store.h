@@ -1,0 +1,85 @@
+// Internal layout of environments and the operations the environment
+// modules share: name normalisation, lookup, level tables, the list of
+// open environments and the default environment.
+#ifndef TQL70_SOURCE_ENV_ENV_STORE_H
+#define TQL70_SOURCE_ENV_ENV_STORE_H
+
+#include <tql70/gui_env.h>
+
+#include "env/name_index.h"
+
+#include <cstdarg>
+#include <cstddef>
+#include <cstdint>
+
+// One variable. A slot whose name is empty is free.
+struct GuiEnvEntry {
+    char name[GUI_ENV_NAME_MAX + 1]; // normalised: at most 63 bytes, ASCII upper case
+    char* value;                     // owned (gmem), may be null
+    void* user;                      // caller's pointer, never freed
+    int32_t state;                   // ENV_CLEAN, ENV_MODIFIED, ENV_DELETED, ENV_INCLUDED
+};
+
+// One level: the file it was last loaded from (and is written back to) and
+// its table of entries, which grows by 32 slots and never shrinks.
+struct GuiEnvLevel {
+    char file_name[512];
+    GuiEnvEntry* entries; // gmem_ee_calloc / gmem_ee_realloc
+    int capacity;
+    int count;
+    tql::env::NameIndex index; // name -> slot, same answers as a scan
+};
+
+// Levels in storage order: site, custom, home, local.
+struct GuiEnvStruct {
+    GuiEnvLevel levels[4];
+    GuiEnvStruct* next;
+};
+
+namespace tql::env {
+
+constexpr int kSlotBlock = 32;
+
+// Storage index of a level number 1..4 (site 4 -> 0 ... local 1 -> 3).
+inline int storage_index(int level)
+{
+    return 4 - level;
+}
+
+// Cuts `name` to 63 bytes and upper-cases ASCII letters into `out`.
+void normalize_name(const char* name, char out[GUI_ENV_NAME_MAX + 1]);
+
+// The entry of the normalised `name` at `level` (1..4 one level, anything
+// else local, home, custom, site in that order), or null. Deleted entries
+// are found only with `include_deleted`.
+GuiEnvEntry* find_entry(GuiEnv env, const char* normalized, int level, bool include_deleted);
+
+// A new environment with four empty levels (not yet in the open list);
+// null when memory is short.
+GuiEnv new_environment();
+// Frees the values and table of one level; the level becomes empty.
+void free_level(GuiEnvLevel& level);
+// Frees every level and the handle.
+void free_environment(GuiEnv env);
+
+// The open environments, oldest first; the first is the default one.
+GuiEnv open_environments();
+void append_environment(GuiEnv env);
+void remove_environment(GuiEnv env);
+
+// The default environment, made (gui_env_init) when there is none; null
+// when it cannot be made.
+GuiEnv default_environment();
+
+// gui_env_expand_str with the further environments still in `args`
+// (null-terminated, read only when env is not null).
+int expand_with_list(char* destination, const char* source, int size, GuiEnv env, va_list args);
+
+// Where a path-list element starting at `text` ends: at the first ';' or
+// ':', except that the ':' of a drive ("C:" or "C:/") belongs to the
+// element. Returns the offset of the separator, or the length of `text`.
+size_t path_element_length(const char* text);
+
+} // namespace tql::env
+
+#endif
