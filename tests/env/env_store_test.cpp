@@ -1,0 +1,262 @@
+// The variable store: names, level order, states, slots, the error
+// callback, and the per-level index checked against a plain scan.
+#include "env/env_test_support.h"
+
+#include "env/env_store.h"
+
+#include <map>
+#include <optional>
+#include <random>
+
+namespace tql_test {
+
+CallbackLog* g_callback_log = nullptr;
+
+int recording_callback(int code, const char* config, const char* name, char** out)
+{
+    g_callback_log->calls.push_back({code, config ? config : "<null>", name ? name : "<null>"});
+    if (g_callback_log->set_replacement && out) {
+        *out = &g_callback_log->replacement[0];
+    }
+    return g_callback_log->result;
+}
+
+namespace {
+
+using EnvStore = EnvTest;
+
+GuiEnvEntry* entry_of(GuiEnv env, const char* name, int level, bool include_deleted)
+{
+    char normalized[GUI_ENV_NAME_MAX + 1];
+    tql::env::normalize_name(name, normalized);
+    return tql::env::find_entry(env, normalized, level, include_deleted);
+}
+
+TEST_F(EnvStore, NamesAreCutAndUpperCasedForAsciiOnly)
+{
+    GuiEnv env = open_env();
+    const std::string long_name(70, 'n');
+    ASSERT_EQ(gui_env_put(env, long_name.c_str(), "long", GUI_ENV_LOCAL), 1);
+    EXPECT_EQ(get(env, std::string(63, 'N').c_str()), "long");
+    EXPECT_EQ(get(env, (std::string(63, 'n') + "other").c_str()), "long");
+    EXPECT_STREQ(entry_of(env, long_name.c_str(), GUI_ENV_LOCAL, false)->name, std::string(63, 'N').c_str());
+
+    gui_env_put(env, "home", "h", GUI_ENV_LOCAL);
+    EXPECT_EQ(get(env, "HOME"), "h");
+    // Bytes of 128 and above keep their case: \xe9 and \xc9 differ.
+    gui_env_put(env, "caf\xe9", "lower", GUI_ENV_LOCAL);
+    EXPECT_EQ(get(env, "CAF\xe9"), "lower");
+    EXPECT_EQ(get(env, "CAF\xc9"), "<-1>");
+    EXPECT_EQ(get(env, ""), "<-1>");
+    EXPECT_EQ(gui_env_get(nullptr, "HOME", nullptr, nullptr, 10, 0), -1);
+    EXPECT_EQ(gui_env_put(env, "", "x", 0), 0);
+    EXPECT_EQ(gui_env_put(nullptr, "A", "x", 0), 0);
+}
+
+TEST_F(EnvStore, LevelsAreSearchedLocalHomeCustomSite)
+{
+    GuiEnv env = open_env();
+    gui_env_put(env, "V", "site", GUI_ENV_SITE);
+    EXPECT_EQ(get(env, "V"), "site");
+    gui_env_put(env, "V", "custom", GUI_ENV_CUSTOM);
+    EXPECT_EQ(get(env, "V"), "custom");
+    gui_env_put(env, "V", "home", GUI_ENV_HOME);
+    EXPECT_EQ(get(env, "V"), "home");
+    gui_env_put(env, "V", "local", GUI_ENV_LOCAL);
+    EXPECT_EQ(get(env, "V"), "local");
+    EXPECT_EQ(get(env, "V", GUI_ENV_SITE), "site");
+    EXPECT_EQ(get(env, "V", GUI_ENV_FILE), "local");
+    EXPECT_EQ(get(env, "V", 99), "local");
+
+    // A put at "any" level changes the entry it finds (here the site one);
+    // a new name at levels 0, 5 and 6 goes to the local level.
+    gui_env_put(env, "ONLY_SITE", "old", GUI_ENV_SITE);
+    gui_env_put(env, "ONLY_SITE", "new", GUI_ENV_ANY);
+    EXPECT_EQ(get(env, "ONLY_SITE", GUI_ENV_SITE), "new");
+    EXPECT_EQ(get(env, "ONLY_SITE", GUI_ENV_LOCAL), "<-1>");
+    gui_env_put(env, "NEW_FILE", "f", GUI_ENV_FILE);
+    EXPECT_EQ(get(env, "NEW_FILE", GUI_ENV_LOCAL), "f");
+}
+
+TEST_F(EnvStore, RemoveThenPutRevivesTheSameSlot)
+{
+    GuiEnv env = open_env();
+    gui_env_put_modnew(env, "A", "1", GUI_ENV_HOME, ENV_CLEAN);
+    GuiEnvEntry* slot = entry_of(env, "A", GUI_ENV_HOME, false);
+    ASSERT_NE(slot, nullptr);
+    EXPECT_EQ(slot->state, ENV_CLEAN);
+
+    EXPECT_EQ(gui_env_rm(env, "a", GUI_ENV_ANY), 1);
+    EXPECT_EQ(slot->state, ENV_DELETED);
+    EXPECT_EQ(get(env, "A"), "<-1>");
+    EXPECT_FALSE(gui_env_exists(env, "A", GUI_ENV_ANY));
+    EXPECT_EQ(gui_env_rm(env, "A", GUI_ENV_ANY), 0);
+
+    // Revived at level 0: the lookup finds the deleted home entry.
+    ASSERT_EQ(gui_env_put(env, "A", "2", GUI_ENV_ANY), 1);
+    EXPECT_EQ(entry_of(env, "A", GUI_ENV_HOME, false), slot);
+    EXPECT_EQ(slot->state, ENV_MODIFIED);
+    EXPECT_EQ(get(env, "A"), "2");
+    EXPECT_EQ(get(env, "A", GUI_ENV_LOCAL), "<-1>");
+}
+
+TEST_F(EnvStore, NullValuesStatesAndUserPointers)
+{
+    GuiEnv env = open_env();
+    EXPECT_EQ(gui_env_put(env, "MISSING", nullptr, GUI_ENV_LOCAL), 0);
+    EXPECT_EQ(entry_of(env, "MISSING", GUI_ENV_ANY, true), nullptr);
+
+    gui_env_put_modnew(env, "KEEP", "v", GUI_ENV_LOCAL, ENV_CLEAN);
+    EXPECT_EQ(gui_env_put(env, "KEEP", nullptr, GUI_ENV_LOCAL), 1);
+    GuiEnvEntry* keep = entry_of(env, "KEEP", GUI_ENV_LOCAL, false);
+    ASSERT_NE(keep, nullptr);
+    EXPECT_EQ(keep->value, nullptr);
+    EXPECT_EQ(keep->state, ENV_MODIFIED);
+
+    // A change to an entry from an included file is never marked modified.
+    gui_env_put_modnew(env, "INC", "v", GUI_ENV_SITE, ENV_INCLUDED);
+    gui_env_put(env, "INC", "changed", GUI_ENV_SITE);
+    EXPECT_EQ(entry_of(env, "INC", GUI_ENV_SITE, false)->state, ENV_INCLUDED);
+    EXPECT_EQ(get(env, "INC"), "changed");
+
+    // Level 6 stores the pointer itself; a new entry gets no value.
+    int marker = 0;
+    void* user = nullptr;
+    char buffer[16];
+    ASSERT_EQ(gui_env_put(env, "PTR", reinterpret_cast<const char*>(&marker), GUI_ENV_USERDATA), 1);
+    EXPECT_EQ(gui_env_get(env, "PTR", buffer, &user, sizeof buffer, GUI_ENV_LOCAL), 0);
+    EXPECT_EQ(user, &marker);
+    EXPECT_STREQ(buffer, "");
+    gui_env_put(env, "INC", reinterpret_cast<const char*>(&marker), GUI_ENV_USERDATA);
+    EXPECT_EQ(get(env, "INC"), "changed");
+}
+
+TEST_F(EnvStore, TooSmallBufferIsLeftUntouched)
+{
+    GuiEnv env = open_env();
+    gui_env_put(env, "V", "abcd", GUI_ENV_LOCAL);
+    char buffer[8] = "ZZZZZZZ";
+    EXPECT_EQ(gui_env_get(env, "V", buffer, nullptr, 4, GUI_ENV_ANY), 5);
+    EXPECT_STREQ(buffer, "ZZZZZZZ");
+    EXPECT_EQ(gui_env_get(env, "V", buffer, nullptr, 5, GUI_ENV_ANY), 0);
+    EXPECT_STREQ(buffer, "abcd");
+    EXPECT_EQ(gui_env_get(env, "V", nullptr, nullptr, 5, GUI_ENV_ANY), 0);
+
+    // Existence does not depend on the 100-byte scratch buffer.
+    gui_env_put(env, "LONG", std::string(300, 'x').c_str(), GUI_ENV_LOCAL);
+    EXPECT_TRUE(gui_env_exists(env, "LONG", GUI_ENV_ANY));
+}
+
+TEST_F(EnvStore, SlotsGrowInBlocksOf32AndAreNeverFreed)
+{
+    GuiEnv env = open_env();
+    GuiEnvLevel& local = env->levels[tql::env::storage_index(GUI_ENV_LOCAL)];
+    for (int i = 0; i < 33; ++i) {
+        ASSERT_EQ(gui_env_put(env, ("N" + std::to_string(i)).c_str(), "v", GUI_ENV_LOCAL), 1);
+        EXPECT_EQ(local.capacity, i < 32 ? 32 : 64);
+    }
+    gui_env_rm(env, "N0", GUI_ENV_LOCAL);
+    EXPECT_EQ(local.count, 33);
+    EXPECT_EQ(get(env, "N32"), "v");
+}
+
+TEST_F(EnvStore, ErrorCallbackSuppliesMissingValues)
+{
+    CallbackLog log;
+    g_callback_log = &log;
+    gui_env_set_error(recording_callback);
+    GuiEnv env = open_env();
+    std::snprintf(env->levels[tql::env::storage_index(GUI_ENV_SITE)].file_name, 512, "%s",
+                  "\\zq\\config\\.site.v2.cfg");
+
+    EXPECT_EQ(get(env, "NOPE"), "<-1>");
+    ASSERT_EQ(log.calls.size(), 1u);
+    EXPECT_EQ(log.calls[0].code, GUI_ENV_ERR_NO_VAR);
+    EXPECT_EQ(log.calls[0].config, "site");
+    EXPECT_EQ(log.calls[0].name, "NOPE");
+
+    // Handled without a replacement still fails; with one, it is the value
+    // and the user pointer reported is null.
+    log.result = 1;
+    EXPECT_EQ(get(env, "NOPE"), "<-1>");
+    log.set_replacement = true;
+    log.replacement = "from callback";
+    void* user = &log;
+    char buffer[32];
+    EXPECT_EQ(gui_env_get(env, "NOPE", buffer, &user, sizeof buffer, GUI_ENV_ANY), 0);
+    EXPECT_STREQ(buffer, "from callback");
+    EXPECT_EQ(user, nullptr);
+    EXPECT_TRUE(gui_env_exists(env, "NOPE", GUI_ENV_ANY));
+
+    // The most specific level with a file names the configuration.
+    std::snprintf(env->levels[tql::env::storage_index(GUI_ENV_LOCAL)].file_name, 512, "%s", "proj/local.cfg");
+    char* out = &buffer[0];
+    EXPECT_EQ(gui_env_apply_env_error(GUI_ENV_ERR_WRITE, env, "f", &out), 1);
+    EXPECT_EQ(log.calls.back().config, "local");
+    EXPECT_EQ(gui_env_apply_error(GUI_ENV_ERR_NO_FILE, "cfg", "g", nullptr), 1);
+    EXPECT_EQ(log.calls.back().config, "cfg");
+
+    EXPECT_EQ(gui_env_set_error(nullptr), &recording_callback);
+    out = &buffer[0];
+    EXPECT_EQ(gui_env_apply_error(GUI_ENV_ERR_NO_FILE, "cfg", "g", &out), 0);
+    EXPECT_EQ(out, &buffer[0]); // untouched without a callback
+    g_callback_log = nullptr;
+}
+
+// Random puts, removals and lookups against a plain model of the levels:
+// the index must give the answers of a scan, revival and slot reuse
+// included.
+TEST_F(EnvStore, IndexMatchesAPlainModel)
+{
+    GuiEnv env = open_env();
+    struct ModelEntry {
+        std::optional<std::string> value;
+        bool deleted = false;
+    };
+    std::map<std::string, ModelEntry> model[5]; // by level number 1..4
+    auto model_find = [&](const std::string& name, int level, bool include_deleted) -> ModelEntry* {
+        const int first = (level >= 1 && level <= 4) ? level : 1;
+        const int last = (level >= 1 && level <= 4) ? level : 4;
+        for (int l = first; l <= last; ++l) {
+            auto it = model[l].find(name);
+            if (it != model[l].end() && (include_deleted || !it->second.deleted)) {
+                return &it->second;
+            }
+        }
+        return nullptr;
+    };
+    std::mt19937 random(7);
+    for (int step = 0; step < 20000; ++step) {
+        const std::string name = "V" + std::to_string(random() % 200);
+        const int level = static_cast<int>(random() % 6);
+        switch (random() % 3) {
+        case 0: {
+            const std::string value = std::to_string(step);
+            ModelEntry* found = model_find(name, level, true);
+            if (!found) {
+                const int target = (level >= 2 && level <= 4) ? level : 1;
+                found = &model[target][name];
+            }
+            found->deleted = false;
+            found->value = value;
+            ASSERT_EQ(gui_env_put(env, name.c_str(), value.c_str(), level), 1);
+            break;
+        }
+        case 1: {
+            ModelEntry* found = model_find(name, level, false);
+            ASSERT_EQ(gui_env_rm(env, name.c_str(), level), found ? 1 : 0);
+            if (found) {
+                found->deleted = true;
+            }
+            break;
+        }
+        default: {
+            const ModelEntry* found = model_find(name, level, false);
+            ASSERT_EQ(get(env, name.c_str(), level), found ? *found->value : "<-1>") << name << " " << level;
+        }
+        }
+    }
+}
+
+} // namespace
+} // namespace tql_test

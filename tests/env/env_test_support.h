@@ -1,0 +1,64 @@
+// Shared fixture of the environment tests: a private settings store, no
+// error callback, and no open environments before or after each test.
+#ifndef TQL70_TESTS_ENV_ENV_TEST_SUPPORT_H
+#define TQL70_TESTS_ENV_ENV_TEST_SUPPORT_H
+
+#include "support/scoped_env.h"
+
+#include <tql70/gui_env.h>
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace tql_test {
+
+class EnvTest : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        gui_env_deinit(0);
+        gui_env_set_error(nullptr);
+    }
+    void TearDown() override
+    {
+        gui_env_set_error(nullptr);
+        gui_env_deinit(0);
+    }
+
+    // An environment of its own (closed by the fixture's deinit).
+    GuiEnv open_env() { return gui_env_open("test", GUI_ENV_ANY); }
+
+    // The value of `name` at `level`, or "<-1>" / "<size N>".
+    static std::string get(GuiEnv env, const char* name, int level = GUI_ENV_ANY)
+    {
+        char buffer[4096];
+        const int result = gui_env_get(env, name, buffer, nullptr, sizeof buffer, level);
+        if (result == 0) {
+            return buffer;
+        }
+        return result < 0 ? "<-1>" : "<size " + std::to_string(result) + ">";
+    }
+
+    ScopedSettingsStore store_{{}};
+};
+
+// An error callback that records its calls and answers from a table.
+struct CallbackLog {
+    struct Call {
+        int code;
+        std::string config;
+        std::string name;
+    };
+    std::vector<Call> calls;
+    std::string replacement;
+    int result = 0;
+    bool set_replacement = false;
+};
+extern CallbackLog* g_callback_log;
+int recording_callback(int code, const char* config, const char* name, char** out);
+
+} // namespace tql_test
+
+#endif

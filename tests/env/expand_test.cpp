@@ -1,0 +1,179 @@
+// Expansion of $NAME, %NAME, {$NAME} and {%NAME} references: the passes,
+// the dropped character, the trailing colon, buffer sizes and the lookup
+// order across environments.
+#include "env/env_test_support.h"
+
+#include "support/child_process.h"
+
+#include <cstring>
+
+namespace tql_test {
+namespace {
+
+using Expand = EnvTest;
+
+// The expansion of `source` in `env` (no further environments), or
+// "<-1>" / "<size N>".
+std::string expand(GuiEnv env, const char* source, int size = 8192)
+{
+    std::vector<char> out(size > 0 ? size : 1, '#');
+    const int result = gui_env_expand_str(out.data(), source, size, env, static_cast<GuiEnv>(nullptr));
+    if (result == 0) {
+        return out.data();
+    }
+    return result < 0 ? "<-1>" : "<size " + std::to_string(result) + ">";
+}
+
+TEST_F(Expand, ReferenceForms)
+{
+    GuiEnv env = open_env();
+    gui_env_put(env, "A", "%B", GUI_ENV_LOCAL);
+    gui_env_put(env, "B", "x", GUI_ENV_LOCAL);
+    gui_env_put(env, "NAME", "val", GUI_ENV_LOCAL);
+    gui_env_put(env, "EMPTY", "", GUI_ENV_LOCAL);
+    ScopedEnv pathvar("PATHVAR", std::string("/p"));
+    ScopedEnv home("TQL_HOME", std::string("/home/u"));
+    ScopedEnv undefined("UNDEFINED", std::nullopt);
+    ScopedEnv root("ZQTARVEX_DIR", std::nullopt);
+
+    struct Case {
+        const char* source;
+        const char* expected;
+    } cases[] = {
+        {"%A", "x"},                         // values are expanded again
+        {"%NAME%", "val"},                   // the closing % is an empty reference
+        {"%name/x", "val/x"},                // names are upper-cased
+        {"$PATHVAR:", "/p"},                 // one trailing colon is removed
+        {"a::", "a:"},                       // only one
+        {"$UNDEFINED/x", "x"},               // a failed reference drops one character
+        {"%EMPTY/x", "x"},                   // so does an empty value
+        {"{$TQL_HOME}/bin", "/home/u/bin"},  // braced forms
+        {"{%name}.cfg", "val.cfg"},
+        {"${TQL_HOME}", "TQL_HOME}"},        // "$" then "{" is an empty reference
+        {"{$TQL_HOME", "/home/u"},           // an unclosed brace ends with the text
+        {"$ZQTARVEX_DIR\\config", "\\zqtarvex\\config"},
+        {"50% off", "50off"},                // "% " is a failed reference
+        {"cost: 5$", "cost: 5"},
+        {"%NAME%%B%", "valx"},
+        {"$TQL_HOME\xe9", "/home/u\xe9"},    // bytes of 128 and above end names
+        {"{x}", "{x}"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.source);
+        EXPECT_EQ(expand(env, c.source), c.expected);
+    }
+}
+
+TEST_F(Expand, FailuresAndSizes)
+{
+    GuiEnv env = open_env();
+    gui_env_put(env, "V", "1234", GUI_ENV_LOCAL);
+    EXPECT_EQ(expand(env, ""), "<-1>");
+    EXPECT_EQ(expand(env, "%MISSING"), "<-1>");
+    EXPECT_EQ(expand(env, "%MISSING%"), "<-1>");
+    EXPECT_EQ(gui_env_expand_str(nullptr, "x", 4, env, static_cast<GuiEnv>(nullptr)), -1);
+    EXPECT_EQ(gui_env_expand_str_system_only(nullptr, nullptr, 4, env, static_cast<GuiEnv>(nullptr)), -1);
+
+    EXPECT_EQ(expand(env, "%V", 5), "1234");
+    char small[5] = "ZZZZ";
+    EXPECT_EQ(gui_env_expand_str(small, "%V.", 5, env, static_cast<GuiEnv>(nullptr)), 6);
+    EXPECT_STREQ(small, "");
+
+    // In place, and far beyond the first 2048-byte work buffer.
+    const std::string big(5000, 'b');
+    gui_env_put(env, "BIG", big.c_str(), GUI_ENV_LOCAL);
+    std::vector<char> buffer(20000);
+    std::strcpy(buffer.data(), "%BIG-%BIG");
+    ASSERT_EQ(gui_env_expand_str(buffer.data(), buffer.data(), 20000, env, static_cast<GuiEnv>(nullptr)), 0);
+    EXPECT_EQ(std::string(buffer.data()), big + "-" + big);
+
+    // Name characters past 63 are consumed, not kept.
+    const std::string long_name(70, 'L');
+    gui_env_put(env, long_name.c_str(), "long", GUI_ENV_LOCAL);
+    EXPECT_EQ(expand(env, ("%" + long_name + "!").c_str()), "long!");
+}
+
+TEST_F(Expand, LookupOrderAndCallback)
+{
+    GuiEnv env = open_env();
+    GuiEnv first = gui_env_open("first", GUI_ENV_ANY);
+    GuiEnv second = gui_env_open("second", GUI_ENV_ANY);
+    gui_env_put(second, "X", "second", GUI_ENV_LOCAL);
+    gui_env_put(first, "X", "first", GUI_ENV_LOCAL);
+    gui_env_put_ee("X", "default", GUI_ENV_LOCAL);
+    gui_env_put_ee("D", "default-only", GUI_ENV_LOCAL);
+    char out[64];
+    ASSERT_EQ(gui_env_expand_str(out, "%X", 64, env, second, first, static_cast<GuiEnv>(nullptr)), 0);
+    EXPECT_STREQ(out, "second");
+    ASSERT_EQ(gui_env_expand_str(out, "%D", 64, env, static_cast<GuiEnv>(nullptr)), 0);
+    EXPECT_STREQ(out, "default-only");
+    gui_env_put(env, "X", "own", GUI_ENV_SITE);
+    ASSERT_EQ(gui_env_expand_str(out, "%X", 64, env, second, static_cast<GuiEnv>(nullptr)), 0);
+    EXPECT_STREQ(out, "own");
+
+    // The callback is asked once, after every environment failed, and its
+    // replacement is expanded like any value.
+    CallbackLog log;
+    g_callback_log = &log;
+    gui_env_set_error(recording_callback);
+    log.result = 1;
+    log.set_replacement = true;
+    log.replacement = "[%D]";
+    ASSERT_EQ(gui_env_expand_str(out, "%NOWHERE", 64, env, first, static_cast<GuiEnv>(nullptr)), 0);
+    EXPECT_STREQ(out, "[default-only]");
+    ASSERT_EQ(log.calls.size(), 1u);
+    EXPECT_EQ(log.calls[0].code, GUI_ENV_ERR_NO_VAR);
+    EXPECT_EQ(log.calls[0].name, "NOWHERE");
+    ScopedEnv unset("TQL_UNSET", std::nullopt);
+    log.replacement = "sys";
+    ASSERT_EQ(gui_env_expand_str(out, "$tql_unset", 64, env, static_cast<GuiEnv>(nullptr)), 0);
+    EXPECT_STREQ(out, "sys");
+    EXPECT_EQ(log.calls.back().code, GUI_ENV_ERR_NO_SYSVAR);
+    EXPECT_EQ(log.calls.back().name, "TQL_UNSET");
+    g_callback_log = nullptr;
+}
+
+TEST_F(Expand, SystemOnlyLeavesPercentAlone)
+{
+    GuiEnv env = open_env();
+    gui_env_put(env, "A", "a", GUI_ENV_LOCAL);
+    ScopedEnv var("TQL_SYS", std::string("s"));
+    char out[64];
+    ASSERT_EQ(gui_env_expand_str_system_only(out, "%A/$TQL_SYS/{%A}/{$TQL_SYS}", 64, env,
+                                             static_cast<GuiEnv>(nullptr)),
+              0);
+    EXPECT_STREQ(out, "%A/s/{%A}/s");
+}
+
+TEST_F(Expand, VariablesReferringToEachOtherNeverFinish)
+{
+    const ChildResult child = run_in_child(
+        [] {
+            GuiEnv env = gui_env_open("cycle", GUI_ENV_ANY);
+            gui_env_put(env, "A", "%B", GUI_ENV_LOCAL);
+            gui_env_put(env, "B", "%A", GUI_ENV_LOCAL);
+            char out[64];
+            gui_env_expand_str(out, "%A", 64, env, static_cast<GuiEnv>(nullptr));
+        },
+        2);
+    EXPECT_TRUE(child.timed_out);
+}
+
+TEST_F(Expand, GetAndExpandInPlace)
+{
+    GuiEnv env = open_env();
+    gui_env_put(env, "DIR", "%ROOT\\bin", GUI_ENV_LOCAL);
+    gui_env_put(env, "ROOT", "\\opt", GUI_ENV_SITE);
+    char buffer[64];
+    EXPECT_EQ(gui_env_get_and_expand(env, "DIR", buffer, nullptr, sizeof buffer, GUI_ENV_ANY), 0);
+    EXPECT_STREQ(buffer, "\\opt\\bin");
+    EXPECT_EQ(gui_env_get_and_expand(env, "MISSING", buffer, nullptr, sizeof buffer, GUI_ENV_ANY), -1);
+    EXPECT_EQ(gui_env_get_and_expand(env, "DIR", buffer, nullptr, 4, GUI_ENV_ANY), 10);
+    gui_env_put_ee("EE", "%ROOT2", GUI_ENV_LOCAL);
+    gui_env_put_ee("ROOT2", "r", GUI_ENV_LOCAL);
+    EXPECT_EQ(gui_env_get_ee_and_expand("EE", buffer, nullptr, sizeof buffer, GUI_ENV_ANY), 0);
+    EXPECT_STREQ(buffer, "r");
+}
+
+} // namespace
+} // namespace tql_test

@@ -1,0 +1,122 @@
+// Path lists: separators with the drive exception, the two iterators, and
+// process variables with the callback fallback.
+#include "env/env_test_support.h"
+
+#include <cstring>
+
+namespace tql_test {
+namespace {
+
+using PathList = EnvTest;
+
+std::vector<std::string> tokens(const char* list)
+{
+    std::vector<std::string> all;
+    for (const char* t = gui_env_get_tok(list); t; t = gui_env_get_tok(nullptr)) {
+        all.push_back(t);
+    }
+    return all;
+}
+
+std::vector<std::string> extracted(const char* list)
+{
+    std::vector<std::string> all;
+    char out[256];
+    for (int r = gui_env_extract_path(out, list, 0, sizeof out, nullptr); r != -2;
+         r = gui_env_extract_path(out, nullptr, 0, sizeof out, nullptr)) {
+        EXPECT_EQ(r, 0);
+        all.push_back(out);
+    }
+    return all;
+}
+
+TEST_F(PathList, SeparatorsAndDrives)
+{
+    using V = std::vector<std::string>;
+    struct Case {
+        const char* list;
+        V expected;
+    } cases[] = {
+        {"C:\\a;D:/b:e", V{"C:\\a", "D:/b", "e"}},
+        {"x:y", V{"x", "y"}},
+        {"C:\\x;y", V{"C:\\x", "y"}},
+        {"c:/x:y", V{"c:/x", "y"}},
+        {"C:x", V{"C", "x"}},     // no separator after the colon: not a drive
+        {"1:\\x", V{"1", "\\x"}}, // not a letter
+        {"a;;b", V{"a", "", "b"}},
+        {"a;", V{"a"}},
+        {"", V{}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.list);
+        EXPECT_EQ(tokens(c.list), c.expected);
+        EXPECT_EQ(extracted(c.list), c.expected);
+    }
+    EXPECT_EQ(gui_env_get_tok(nullptr), nullptr);
+}
+
+TEST_F(PathList, SmallDestinationDeliversTheSameElementAgain)
+{
+    char two[2];
+    EXPECT_EQ(gui_env_extract_path(two, "a;b", 0, 2, nullptr), 0);
+    EXPECT_STREQ(two, "a");
+    EXPECT_EQ(gui_env_extract_path(two, nullptr, 0, 2, nullptr), 0);
+    EXPECT_STREQ(two, "b");
+    EXPECT_EQ(gui_env_extract_path(two, nullptr, 0, 2, nullptr), -2);
+
+    char out[16];
+    EXPECT_EQ(gui_env_extract_path(out, "long;b", 0, 3, nullptr), 5);
+    EXPECT_EQ(gui_env_extract_path(out, nullptr, 0, 3, nullptr), 5);
+    EXPECT_EQ(gui_env_extract_path(out, nullptr, 0, sizeof out, nullptr), 0);
+    EXPECT_STREQ(out, "long");
+    EXPECT_EQ(gui_env_extract_path(out, nullptr, 0, sizeof out, nullptr), 0);
+    EXPECT_STREQ(out, "b");
+    EXPECT_EQ(gui_env_extract_path(nullptr, "a", 0, 4, nullptr), -1);
+}
+
+TEST_F(PathList, ExpandedElements)
+{
+    GuiEnv env = open_env();
+    GuiEnv extra = gui_env_open("extra", GUI_ENV_ANY);
+    gui_env_put(env, "LIB", "\\opt\\lib", GUI_ENV_LOCAL);
+    gui_env_put(extra, "MORE", "\\more", GUI_ENV_LOCAL);
+    ScopedEnv var("TQL_BIN", std::string("/usr/bin"));
+    char out[64];
+    EXPECT_EQ(gui_env_extract_path(out, "%LIB;$TQL_BIN;%MISSING;%MORE", 1, sizeof out, env, extra,
+                                   static_cast<GuiEnv>(nullptr)),
+              0);
+    EXPECT_STREQ(out, "\\opt\\lib");
+    EXPECT_EQ(gui_env_extract_path(out, nullptr, 1, sizeof out, env, extra, static_cast<GuiEnv>(nullptr)), 0);
+    EXPECT_STREQ(out, "/usr/bin");
+    // A failing element returns -1 and the iteration moves on.
+    EXPECT_EQ(gui_env_extract_path(out, nullptr, 1, sizeof out, env, extra, static_cast<GuiEnv>(nullptr)), -1);
+    EXPECT_EQ(gui_env_extract_path(out, nullptr, 1, 3, env, extra, static_cast<GuiEnv>(nullptr)), 6);
+    EXPECT_EQ(gui_env_extract_path(out, nullptr, 1, sizeof out, env, extra, static_cast<GuiEnv>(nullptr)), 0);
+    EXPECT_STREQ(out, "\\more");
+    EXPECT_EQ(gui_env_extract_path(out, nullptr, 1, sizeof out, env, extra, static_cast<GuiEnv>(nullptr)), -2);
+}
+
+TEST_F(PathList, ProcessVariablesFallBackOnTheCallback)
+{
+    ScopedEnv set("TQL_SET", std::string("v"));
+    ScopedEnv unset("TQL_UNSET", std::nullopt);
+    EXPECT_STREQ(gui_env_get_sys(nullptr, "TQL_SET"), "v");
+    EXPECT_EQ(gui_env_get_sys(nullptr, "TQL_UNSET"), nullptr);
+
+    CallbackLog log;
+    g_callback_log = &log;
+    gui_env_set_error(recording_callback);
+    log.result = 1;
+    log.set_replacement = true;
+    log.replacement = "given";
+    EXPECT_STREQ(gui_env_get_sys(nullptr, "TQL_UNSET"), "given");
+    ASSERT_EQ(log.calls.size(), 1u);
+    EXPECT_EQ(log.calls[0].code, GUI_ENV_ERR_NO_SYSVAR);
+    EXPECT_EQ(log.calls[0].config, "<null>");
+    log.result = 0;
+    EXPECT_EQ(gui_env_get_sys(nullptr, "TQL_UNSET"), nullptr);
+    g_callback_log = nullptr;
+}
+
+} // namespace
+} // namespace tql_test
