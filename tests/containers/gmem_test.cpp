@@ -1,1 +1,97 @@
+// gmem_ee_*: byte counts of size times count; 0 bytes and overflowing
+// products give null, and realloc's null results keep the old block.
+#include <tql70/gmem.h>
+
 #include <gtest/gtest.h>
+
+#include <cstdint>
+#include <cstring>
+#include <malloc.h>
+
+TEST(Gmem, ZeroBytesGiveNullAndKeepTheOldBlock)
+{
+    const size_t pairs[][2] = {{0, 0}, {0, 16}, {16, 0}, {0, SIZE_MAX}, {SIZE_MAX, 0}};
+    unsigned char* block = static_cast<unsigned char*>(gmem_ee_malloc(4, 4));
+    ASSERT_NE(block, nullptr);
+    std::memset(block, 0x5A, 16);
+    for (const auto& p : pairs) {
+        SCOPED_TRACE(testing::Message() << "size " << p[0] << " count " << p[1]);
+        EXPECT_EQ(gmem_ee_malloc(p[0], p[1]), nullptr);
+        EXPECT_EQ(gmem_ee_calloc(p[0], p[1]), nullptr);
+        EXPECT_EQ(gmem_ee_realloc(nullptr, p[0], p[1]), nullptr);
+        EXPECT_EQ(gmem_ee_realloc(block, p[0], p[1]), nullptr);
+        EXPECT_EQ(block[15], 0x5A); // still allocated and intact
+    }
+    gmem_ee_free(block);
+}
+
+#if !defined(__SANITIZE_ADDRESS__)
+// (The sanitizer's allocator keeps no glibc heap statistics.)
+TEST(Gmem, ZeroBytesAllocateNothing)
+{
+    // malloc(0) of the C library hands out a minimal block; a wrapper that
+    // called it and returned null would leak it and move the heap's use.
+    const size_t before = mallinfo2().uordblks;
+    for (int i = 0; i < 1000; ++i) {
+        gmem_ee_malloc(0, 8);
+        gmem_ee_calloc(8, 0);
+        gmem_ee_realloc(nullptr, 0, 0);
+    }
+    EXPECT_EQ(mallinfo2().uordblks, before);
+}
+#endif
+
+TEST(Gmem, OverflowingProductGivesNull)
+{
+    const size_t half = SIZE_MAX / 2 + 1;
+    EXPECT_EQ(gmem_ee_malloc(half, 2), nullptr);
+    EXPECT_EQ(gmem_ee_malloc(2, half), nullptr);
+    EXPECT_EQ(gmem_ee_calloc(SIZE_MAX, SIZE_MAX), nullptr);
+    EXPECT_EQ(gmem_ee_calloc(size_t{1} << 32, size_t{1} << 32), nullptr); // wraps to exactly 0
+
+    char* block = static_cast<char*>(gmem_ee_malloc(1, 8));
+    ASSERT_NE(block, nullptr);
+    std::memcpy(block, "kept-it", 8);
+    EXPECT_EQ(gmem_ee_realloc(block, half, 4), nullptr);
+    EXPECT_STREQ(block, "kept-it");
+    gmem_ee_free(block);
+    gmem_ee_free(nullptr);
+}
+
+TEST(Gmem, ReallocOfNullAllocatesAndResizingKeepsContents)
+{
+    int* numbers = static_cast<int*>(gmem_ee_realloc(nullptr, sizeof(int), 3));
+    ASSERT_NE(numbers, nullptr);
+    numbers[0] = 1;
+    numbers[1] = 2;
+    numbers[2] = 3;
+    numbers = static_cast<int*>(gmem_ee_realloc(numbers, sizeof(int), 10000));
+    ASSERT_NE(numbers, nullptr);
+    numbers[9999] = 4;
+    EXPECT_EQ(numbers[0] * 100 + numbers[1] * 10 + numbers[2], 123);
+    numbers = static_cast<int*>(gmem_ee_realloc(numbers, 2, 2)); // one int
+    ASSERT_NE(numbers, nullptr);
+    EXPECT_EQ(numbers[0], 1);
+    gmem_ee_free(numbers);
+}
+
+TEST(Gmem, CallocZeroFillsReusedMemory)
+{
+    // A dirtied block given back is likely to be handed out again.
+    const size_t sizes[][2] = {{1, 200}, {8, 25}, {40, 5}, {1, 4096}};
+    for (const auto& s : sizes) {
+        SCOPED_TRACE(testing::Message() << s[0] << " x " << s[1]);
+        void* dirty = gmem_ee_malloc(s[0], s[1]);
+        ASSERT_NE(dirty, nullptr);
+        std::memset(dirty, 0xAB, s[0] * s[1]);
+        gmem_ee_free(dirty);
+        const unsigned char* clean = static_cast<unsigned char*>(gmem_ee_calloc(s[0], s[1]));
+        ASSERT_NE(clean, nullptr);
+        size_t non_zero = 0;
+        for (size_t i = 0; i < s[0] * s[1]; ++i) {
+            non_zero += clean[i] != 0;
+        }
+        EXPECT_EQ(non_zero, 0u);
+        gmem_ee_free(const_cast<unsigned char*>(clean));
+    }
+}

@@ -9,6 +9,8 @@
 
 #include <QString>
 
+#include <chrono>
+#include <filesystem>
 #include <string>
 
 using tql_test::ScopedEnv;
@@ -17,58 +19,50 @@ using tql_test::TempDir;
 
 namespace {
 
-const char kStoreFile[] = "zqtarvex/environment.ini";
+const std::string kStoreFile = "zqtarvex/environment.ini";
 
-// The looked-up value, or "<missing>".
+// The value found, or "<missing>".
 std::string lookup(const char* name)
 {
-    QString value = QStringLiteral("<untouched>");
-    if (!getenv_check_registry_qt(QString::fromUtf8(name), value)) {
-        return "<missing>";
-    }
-    return value.toStdString();
+    QString value;
+    return getenv_check_registry_qt(QString::fromUtf8(name), value) ? value.toStdString() : "<missing>";
 }
 
 } // namespace
 
-TEST(SettingsStore, EnvironmentFirstThenUserThenSystemFolders)
+TEST(SettingsStore, EnvironmentFirstThenUserThenEachSystemFolder)
 {
     ScopedSettingsStore store({{"TQLS_USER", "u"}, {"TQLS_SHARED", "from-user"}, {"TQLS_ENV", "store"}});
-    // Three system folders, the second missing its file: searched in order.
+    // Three system folders, the second without a store, and an empty entry.
     const TempDir& dir = store.dir();
-    dir.write_file(std::string("sys1/") + kStoreFile, "[General]\nTQLS_S1=one\nTQLS_S12=first\nTQLS_SHARED=from-sys1\n");
-    dir.write_file(std::string("sys3/") + kStoreFile, "[General]\nTQLS_S12=third\nTQLS_S3=three\n");
+    dir.write_file("sys1/" + kStoreFile, "[General]\nTQLS_S1=one\nTQLS_S13=first\nTQLS_SHARED=from-sys1\n");
+    dir.write_file("sys3/" + kStoreFile, "[General]\nTQLS_S13=third\nTQLS_S3=three\n");
     ScopedEnv dirs("XDG_CONFIG_DIRS", dir.path() + "/sys1:" + dir.path() + "/sys2::" + dir.path() + "/sys3");
     ScopedEnv env("TQLS_ENV", std::string("env"));
-    for (const char* name : {"TQLS_USER", "TQLS_SHARED", "TQLS_S1", "TQLS_S12", "TQLS_S3", "TQLS_NONE"}) {
+    for (const char* name : {"TQLS_USER", "TQLS_SHARED", "TQLS_S1", "TQLS_S13", "TQLS_S3", "TQLS_NONE"}) {
         unsetenv(name);
     }
-
     EXPECT_EQ(lookup("TQLS_ENV"), "env");
     EXPECT_EQ(lookup("TQLS_USER"), "u");
     EXPECT_EQ(lookup("TQLS_SHARED"), "from-user");
     EXPECT_EQ(lookup("TQLS_S1"), "one");
-    EXPECT_EQ(lookup("TQLS_S12"), "first");
+    EXPECT_EQ(lookup("TQLS_S13"), "first");
     EXPECT_EQ(lookup("TQLS_S3"), "three");
     EXPECT_EQ(lookup("TQLS_NONE"), "<missing>");
+    EXPECT_EQ(lookup(""), "<missing>");
 }
 
-TEST(SettingsStore, KeysOutsideGeneralAndOddNamesAreNotVariables)
+TEST(SettingsStore, NamesWithSlashOrBackslashAreNeverReadFromTheStore)
 {
     ScopedSettingsStore store({});
-    store.dir().write_file(std::string("user/") + kStoreFile,
-                           "[General]\nTQLS_PLAIN=plain\n"
-                           "[TQLS_GROUP]\nKEY=grouped\n");
+    store.dir().write_file("user/" + kStoreFile, "[General]\nTQLS_PLAIN=plain\n[TQLS_GROUP]\nKEY=grouped\n");
     unsetenv("TQLS_PLAIN");
     unsetenv("KEY");
     EXPECT_EQ(lookup("TQLS_PLAIN"), "plain");
-    EXPECT_EQ(lookup(""), "<missing>");
-    // A '/' would address a group and a '\' is the INI escape character:
-    // such names are never read from the store.
+    // '/' would address a group and '\' is the INI escape character.
     EXPECT_EQ(lookup("TQLS_GROUP/KEY"), "<missing>");
     EXPECT_EQ(lookup("TQLS_GROUP\\KEY"), "<missing>");
-    EXPECT_EQ(lookup("KEY"), "<missing>");
-
+    EXPECT_EQ(lookup("KEY"), "<missing>"); // only [General] holds variables
     // The process environment may hold such names all the same.
     ScopedEnv slash("TQLS_A/B", std::string("slash"));
     ScopedEnv backslash("TQLS_A\\B", std::string("backslash"));
@@ -84,10 +78,13 @@ TEST(SettingsStore, StoreIsReadAgainAtEachLookup)
     const std::string file = store.dir().path() + "/user/" + kStoreFile;
     EXPECT_EQ(lookup("TQLS_CHANGING"), "old1");
 
-    // Same length, written at once: still the new value.
-    store.dir().write_file(std::string("user/") + kStoreFile, "[General]\nTQLS_CHANGING=new2\n");
+    // Same length, told apart by the later modification time.
+    const auto stamp = std::filesystem::last_write_time(file);
+    store.dir().write_file("user/" + kStoreFile, "[General]\nTQLS_CHANGING=new2\n");
+    std::filesystem::last_write_time(file, stamp + std::chrono::seconds(2));
     EXPECT_EQ(lookup("TQLS_CHANGING"), "new2");
-    store.dir().write_file(std::string("user/") + kStoreFile, "[General]\nTQLS_LATER=added\n");
+    // Another length, written at once.
+    store.dir().write_file("user/" + kStoreFile, "[General]\nTQLS_LATER=added\n");
     EXPECT_EQ(lookup("TQLS_CHANGING"), "<missing>");
     EXPECT_EQ(lookup("TQLS_LATER"), "added");
 
@@ -100,9 +97,8 @@ TEST(SettingsStore, StoreIsReadAgainAtEachLookup)
 
 TEST(SettingsStore, UnsetOrEmptyConfigHomeFallsBackToHomeConfig)
 {
-    TempDir home;
-    TempDir system;
-    home.write_file(std::string(".config/") + kStoreFile, "[General]\nTQLS_HOME=in-home\n");
+    TempDir home, system, empty;
+    home.write_file(".config/" + kStoreFile, "[General]\nTQLS_HOME=in-home\n");
     ScopedEnv home_var("HOME", home.path());
     ScopedEnv dirs("XDG_CONFIG_DIRS", system.path());
     unsetenv("TQLS_HOME");
@@ -114,31 +110,25 @@ TEST(SettingsStore, UnsetOrEmptyConfigHomeFallsBackToHomeConfig)
         ScopedEnv config_home("XDG_CONFIG_HOME", std::string());
         EXPECT_EQ(lookup("TQLS_HOME"), "in-home");
     }
-    {
-        TempDir empty;
-        ScopedEnv config_home("XDG_CONFIG_HOME", empty.path());
-        EXPECT_EQ(lookup("TQLS_HOME"), "<missing>");
-    }
+    ScopedEnv config_home("XDG_CONFIG_HOME", empty.path());
+    EXPECT_EQ(lookup("TQLS_HOME"), "<missing>");
 }
 
 TEST(SettingsStore, ValuesKeepTheirText)
 {
     ScopedSettingsStore store({});
-    store.dir().write_file(std::string("user/") + kStoreFile,
-                           "[General]\n"
-                           "TQLS_SPACES=a value with spaces\n"
-                           "TQLS_UTF8=Größe 日本\n"
-                           "TQLS_EMPTY=\n"
-                           "TQLS_PATH=/opt/a;/opt/b\n"
-                           "TQLS_LIST=a,b,c\n"
-                           "TQLS_QUOTED=\"x, y\"\n");
+    store.dir().write_file("user/" + kStoreFile,
+                           "[General]\nTQLS_SPACES=a value with spaces\nTQLS_UTF8=Größe 日本\nTQLS_EMPTY=\n"
+                           "TQLS_PATH=\"/opt/a;/opt/b\"\nTQLS_LIST=a,b,c\nTQLS_QUOTED=\"x, y\"\n");
     for (const char* name : {"TQLS_SPACES", "TQLS_UTF8", "TQLS_EMPTY", "TQLS_PATH", "TQLS_LIST", "TQLS_QUOTED"}) {
         unsetenv(name);
     }
     EXPECT_EQ(lookup("TQLS_SPACES"), "a value with spaces");
     EXPECT_EQ(lookup("TQLS_UTF8"), "Größe 日本");
     EXPECT_EQ(lookup("TQLS_EMPTY"), "");
-    EXPECT_EQ(lookup("TQLS_PATH"), "/opt/a;/opt/b");
+    EXPECT_EQ(lookup("TQLS_PATH"), "/opt/a;/opt/b"); // ';' needs quotes in INI text
+    // Unquoted commas make the INI reader see a list; the value is still
+    // the whole text.
     EXPECT_EQ(lookup("TQLS_LIST"), "a,b,c");
     EXPECT_EQ(lookup("TQLS_QUOTED"), "x, y");
 }

@@ -5,6 +5,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <vector>
 
 namespace tql_tool {
 
@@ -60,6 +61,37 @@ int run_errors(const Args& args)
     return 0;
 }
 
+// Expands a text in the default environment, growing the output buffer to
+// the size the library asks for.
+int run_expand(const Args& args)
+{
+    if (args.size() != 1) {
+        return usage_error(find("expand"), "expand takes one text");
+    }
+    std::vector<char> out(1024);
+    int result;
+    while ((result = gui_env_expand_str(out.data(), args[0].c_str(), static_cast<int>(out.size()),
+                                        static_cast<GuiEnv>(nullptr))) > 0) {
+        out.resize(static_cast<size_t>(result));
+    }
+    if (result < 0) {
+        std::fprintf(stderr, "tql: '%s' expands to nothing\n", args[0].c_str());
+        return 1;
+    }
+    std::printf("%s\n", out.data());
+    return 0;
+}
+
+int run_path(const Args& args)
+{
+    if (args.size() != 2 || args[0] != "native") {
+        return usage_error(find("path"), "path takes 'native' and one path");
+    }
+    std::vector<char> out(args[1].size() + 1);
+    std::printf("%s\n", tql_native_path(args[1].c_str(), out.data()));
+    return 0;
+}
+
 } // namespace
 
 const std::vector<Command>& commands()
@@ -71,6 +103,11 @@ const std::vector<Command>& commands()
          "                       exit status 1 when neither defines it",
          run_getenv},
         {"errors", "tql errors", "list every GuiErrno code with its text", run_errors},
+        {"expand", "tql expand TEXT",
+         "expand $NAME and %NAME references in TEXT in the default environment;\n"
+         "                       exit status 1 when it expands to nothing",
+         run_expand},
+        {"path", "tql path native PATH", "print the Linux form of a library-form path", run_path},
     };
     return all;
 }
