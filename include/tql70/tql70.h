@@ -13,6 +13,7 @@
 #include "gparse.h"
 #include "avltree.h"
 #include "zq_paths.h"
+#include "gfile.h"
 #include "platform.h"
 #include "base64.h"
 

@@ -29,6 +29,30 @@ bool is_directory_utf8(const char* name);
 // Size in bytes, or -1 when the name does not exist.
 long long filesize_utf8(const char* name);
 
+// ---- directories ------------------------------------------------------
+
+// The current directory, native and absolute (QDir::currentPath); "" when
+// it cannot be had.
+std::string current_directory();
+// Makes the library-form directory `name` current; false on failure.
+bool change_directory(const char* name);
+
+struct PathStatus {
+    bool exists = false;
+    bool is_file = false;      // a regular file, following a symbolic link
+    bool is_directory = false; // following a symbolic link
+    bool is_symlink = false;   // the name itself is a symbolic link
+};
+PathStatus path_status(const char* name);
+
+// The absolute native path QFileInfo gives for the library-form `name`.
+std::string absolute_file_path(const char* name);
+
+// Sets `found` to the entry of the native directory `directory` whose name
+// is `name` without regard to ASCII case: `name` itself when it exists as
+// written, else the first such entry in listing order. False when none.
+bool find_entry_ignoring_case(const std::string& directory, const std::string& name, std::string& found);
+
 // ---- settings store (stands in for the registry) -----------------------
 
 // Set once initialize_qt_core_settings has run; callers that build a

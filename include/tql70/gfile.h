@@ -1,0 +1,83 @@
+/* The gfile family: parts of file names (extension, directory or drive
+ * prefix, trailing separator) and their repair. Several of these recognise
+ * only '\' as a separator, as stated per function. */
+#ifndef TQL70_GFILE_H
+#define TQL70_GFILE_H
+
+#include "export.h"
+
+TQL70_BEGIN_DECLS
+
+/* File-name comparisons without regard to case, with the signs of
+ * strcasecmp and strncasecmp. */
+TQL70_API int gfile_file_name_strcmp(const char* a, const char* b);
+TQL70_API int gfile_file_name_strncmp(const char* a, const char* b, int n);
+
+/* 1 when `path` starts with '/' or '\', or with a letter and ':'; 0 for
+ * null or "". */
+TQL70_API int gfile_hasfullpath(const char* path);
+
+/* A new zero-filled string with everything after the first '.' of the whole
+ * name (directories are not considered: "a.b.c" gives "b.c"); "" without a
+ * dot. Free with gmem_ee_free. */
+TQL70_API char* gfile_getext(const char* name);
+
+/* *pos = one-based position of the last '.' when it lies after the last
+ * separator ('/' or '\'), else 0; returns *pos >= 1. A leading dot counts. */
+TQL70_API int gfile_hasext(const char* name, int* pos);
+
+/* Copies `name` without its extension into `out`. */
+TQL70_API void gfile_stripext(const char* name, char* out);
+
+/* Gives `name` the extension `ext` (without the dot): an existing one is
+ * kept unless `replace` is set. '/' becomes '\' in every case. The buffer
+ * must hold the result. Returns `name`. */
+TQL70_API char* gfile_filext(char* name, int replace, const char* ext);
+
+/* *pos = one-based position of the last ':' or '\' ('/' is not seen),
+ * else 0; returns *pos >= 1. Reports any directory or drive prefix. */
+TQL70_API int gfile_hasdrv(const char* name, int* pos);
+
+/* Copies what follows the prefix found by gfile_hasdrv into `out`. */
+TQL70_API void gfile_stripdrv(const char* name, char* out);
+
+/* Gives `name` the directory or drive prefix `prefix` (an existing prefix
+ * is kept unless `replace` is set), '/' becoming '\' and a '\' put between
+ * them unless `prefix` is empty or ends in one. */
+TQL70_API void gfile_fildrv(char* name, int replace, const char* prefix);
+
+/* Removes one trailing '\' (a last '/' of a longer string is converted
+ * first); "C:\" is kept whole. Returns 1. */
+TQL70_API int gfile_strip_dir_name(char* dir);
+
+/* Converts a last '/' to '\' and appends '\' unless already there; "" stays
+ * "". Needs room for one more character. Returns 1. */
+TQL70_API int gfile_prepare_dir_name(char* dir);
+
+/* The absolute path QFileInfo gives for `name`, with '\' separators, as a
+ * new string freed with free(). */
+TQL70_API char* gfile_abs_path(const char* name);
+
+/* Repairs a path whose backslash escapes were read as control characters:
+ * each of the codes 7 to 13 becomes '\\' followed by a, b, t, n, v, f or r.
+ * `*path` must come from malloc and is reallocated. Returns 1; 0 (path
+ * unchanged) when the result would be 1024 bytes or longer or memory is
+ * short. */
+TQL70_API int gfile_fix_path(char** path);
+
+/* Always false. */
+TQL70_API TQL70_BOOL gfile_allow_spaces_in_files(void);
+
+TQL70_END_DECLS
+
+#ifdef __cplusplus
+class QString;
+
+/* Removes one trailing '/' or '\' from `dir`; a three-character string
+ * whose second character is ':' is left alone. */
+TQL70_API QString gfile_strip_dir_name_qt(const QString& dir);
+/* Turns '/' into '\', then gfile_strip_dir_name_qt. */
+TQL70_API QString gfile_strip_dir_name_and_convert_qt(const QString& dir);
+#endif
+
+#endif /* TQL70_GFILE_H */
