@@ -162,11 +162,10 @@ void ZQ_fixup_path(char* path)
     }
     while (*read) {
         if (is_separator(*read)) {
+            // One '\' for the whole run of separators and "." steps, so
+            // "/./" and "//.//" both become one '\'.
             *write++ = '\\';
-            if (read[1] == '.' && is_separator(read[2])) {
-                read += 2;
-            }
-            while (is_separator(*read)) {
+            while (is_separator(*read) || (read[0] == '.' && is_separator(read[1]) && is_separator(read[-1]))) {
                 ++read;
             }
         } else {

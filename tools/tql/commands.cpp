@@ -82,13 +82,26 @@ int run_expand(const Args& args)
     return 0;
 }
 
+// "path native PATH": the Linux form of a library-form path; "path canon
+// PATH": its absolute canonical library form.
 int run_path(const Args& args)
 {
-    if (args.size() != 2 || args[0] != "native") {
-        return usage_error(find("path"), "path takes 'native' and one path");
+    if (args.size() != 2 || (args[0] != "native" && args[0] != "canon")) {
+        return usage_error(find("path"), "path takes 'native' or 'canon' and one path");
     }
-    std::vector<char> out(args[1].size() + 1);
-    std::printf("%s\n", tql_native_path(args[1].c_str(), out.data()));
+    if (args[0] == "native") {
+        std::vector<char> out(args[1].size() + 1);
+        std::printf("%s\n", tql_native_path(args[1].c_str(), out.data()));
+        return 0;
+    }
+    // The canonical form is at most the current directory, a separator and
+    // the path itself.
+    std::vector<char> out(args[1].size() + 8192);
+    if (!ZQ_canonical_path(args[1].c_str(), out.data())) {
+        std::fprintf(stderr, "tql: '%s' reduces to nothing\n", args[1].c_str());
+        return 1;
+    }
+    std::printf("%s\n", out.data());
     return 0;
 }
 
@@ -107,7 +120,9 @@ const std::vector<Command>& commands()
          "expand $NAME and %NAME references in TEXT in the default environment;\n"
          "                       exit status 1 when it expands to nothing",
          run_expand},
-        {"path", "tql path native PATH", "print the Linux form of a library-form path", run_path},
+        {"path", "tql path native|canon PATH",
+         "print the Linux form of a library-form path, or its absolute canonical form",
+         run_path},
     };
     return all;
 }
