@@ -74,6 +74,22 @@ TEST(TqlTool, ErrorsListsEveryCode)
     EXPECT_EQ(lines, 31u);
 }
 
+TEST(TqlTool, ExpandAndPathForms)
+{
+    tql_test::ScopedSettingsStore store({});
+    tql_test::ScopedEnv dir("TQL_TOOL_DIR", std::string("/opt/zq"));
+    tql_test::ScopedEnv unset("TQL_TOOL_UNSET", std::nullopt);
+    EXPECT_EQ(tql("expand '$TQL_TOOL_DIR/bin:'").out, "/opt/zq/bin\n");
+    EXPECT_EQ(tql("expand '{$TQL_TOOL_DIR}x'").out, "/opt/zqx\n");
+    const ToolRun nothing = tql("expand '$TQL_TOOL_UNSET'", true);
+    EXPECT_EQ(nothing.status, 1);
+    EXPECT_EQ(nothing.out, "tql: '$TQL_TOOL_UNSET' expands to nothing\n");
+
+    EXPECT_EQ(tql("path native 'C:\\a\\b'").out, "/a/b\n");
+    EXPECT_EQ(tql("path canon 'C:/x//y/'").out, "C:\\x\\y\n");
+    EXPECT_EQ(tql("path canon ./", true).status, 1);
+}
+
 TEST(TqlTool, BadArgumentsAreUsageErrors)
 {
     struct Case {
@@ -86,6 +102,9 @@ TEST(TqlTool, BadArgumentsAreUsageErrors)
         {"getenv A B", "tql: getenv takes one variable name"},
         {"version extra", "tql: version takes no arguments"},
         {"errors extra", "tql: errors takes no arguments"},
+        {"expand", "tql: expand takes one text"},
+        {"path canon", "tql: path takes 'native' or 'canon' and one path"},
+        {"path up x", "tql: path takes 'native' or 'canon' and one path"},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.arguments);
