@@ -1,1 +1,316 @@
+// ZQstringDB_new: the string database through its operation slots: case
+// rules of the keys, replacement, the value release rules (including the
+// deliberate insert/remove asymmetry), height, walk depths and bad input.
+// Key copies and entries are checked for leaks by the sanitizer build.
+#include <tql70/avltree.h>
+
 #include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <iterator>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace {
+
+// Every value release call, tagged with the function that made it.
+std::vector<std::pair<char, void*>> g_released;
+// Run once from release_a, when set (cleared before it runs).
+void (*g_on_release_a)() = nullptr;
+
+void release_a(void* value)
+{
+    g_released.push_back({'A', value});
+    if (void (*hook)() = g_on_release_a) {
+        g_on_release_a = nullptr;
+        hook();
+    }
+}
+void release_b(void* value)
+{
+    g_released.push_back({'B', value});
+}
+
+using Walked = std::vector<std::pair<std::string, int>>;
+void record_walk(void* ctx, const char* key, int depth, void*)
+{
+    static_cast<Walked*>(ctx)->push_back({key, depth});
+}
+Walked walk(ZQstringDB* db)
+{
+    Walked walked;
+    db->walk(db, &walked, record_walk);
+    return walked;
+}
+
+class StringDbTest : public testing::Test {
+protected:
+    StringDbTest() { g_released.clear(); }
+    ~StringDbTest() override
+    {
+        for (ZQstringDB* db : dbs_) {
+            db->destroy(db);
+        }
+    }
+    ZQstringDB* make(ZQstringDB_release_fn release, int case_insensitive)
+    {
+        ZQstringDB* db = ZQstringDB_new(release, case_insensitive);
+        EXPECT_NE(db, nullptr);
+        dbs_.push_back(db);
+        return db;
+    }
+    std::vector<ZQstringDB*> dbs_;
+    int v_[8] = {};
+};
+
+TEST(StringDb, ObjectLayoutAndNewObject)
+{
+    const size_t offsets[] = {
+        offsetof(ZQstringDB, case_insensitive), offsetof(ZQstringDB, root),
+        offsetof(ZQstringDB, lookup), offsetof(ZQstringDB, insert),
+        offsetof(ZQstringDB, remove), offsetof(ZQstringDB, foreach),
+        offsetof(ZQstringDB, destroy), offsetof(ZQstringDB, height),
+        offsetof(ZQstringDB, walk), offsetof(ZQstringDB, is_empty),
+        offsetof(ZQstringDB, value_release)};
+    EXPECT_EQ(offsets[0], 0u);
+    for (size_t i = 1; i < std::size(offsets); ++i) {
+        EXPECT_EQ(offsets[i], offsets[i - 1] + sizeof(void*)) << "field " << i;
+    }
+    EXPECT_EQ(offsetof(ZQstringDB_entry, value), sizeof(void*));
+
+    ZQstringDB* db = ZQstringDB_new(release_b, 7);
+    ASSERT_NE(db, nullptr);
+    EXPECT_EQ(db->case_insensitive, 7);
+    EXPECT_EQ(db->root, nullptr);
+    EXPECT_EQ(db->value_release, release_b);
+    EXPECT_TRUE(db->lookup && db->insert && db->remove && db->foreach && db->destroy && db->height &&
+                db->walk && db->is_empty);
+    db->destroy(db);
+}
+
+TEST_F(StringDbTest, CaseRulesOfTheKeys)
+{
+    ZQstringDB* folded = make(nullptr, 1);
+    ZQstringDB* exact = make(nullptr, 0);
+    for (ZQstringDB* db : {folded, exact}) {
+        ASSERT_EQ(db->insert(db, "Abc", &v_[1]), 1);
+    }
+    ASSERT_NE(folded->lookup(folded, "abc"), nullptr);
+    EXPECT_EQ(*folded->lookup(folded, "abc"), &v_[1]);
+    EXPECT_NE(folded->lookup(folded, "ABC"), nullptr);
+    EXPECT_EQ(exact->lookup(exact, "abc"), nullptr);
+    ASSERT_NE(exact->lookup(exact, "Abc"), nullptr);
+    EXPECT_EQ(*exact->lookup(exact, "Abc"), &v_[1]);
+
+    // Order: "B" < "a" byte-wise, "a" < "B" without regard to case.
+    for (ZQstringDB* db : {folded, exact}) {
+        db->insert(db, "B", &v_[2]);
+        db->insert(db, "a", &v_[3]);
+    }
+    Walked f = walk(folded), e = walk(exact);
+    EXPECT_EQ(f.front().first + f[1].first + f[2].first, "aAbcB");
+    EXPECT_EQ(e.front().first + e[1].first + e[2].first, "AbcBa");
+
+    // Operations on one database from inside another's callback use their
+    // own case rule.
+    struct Ctx {
+        ZQstringDB* folded;
+        ZQstringDB* exact;
+        int checked;
+    } ctx{folded, exact, 0};
+    folded->foreach(folded, [](ZQstringDB_entry*, void* c) {
+        Ctx* x = static_cast<Ctx*>(c);
+        EXPECT_EQ(x->exact->lookup(x->exact, "abc"), nullptr);
+        EXPECT_NE(x->folded->lookup(x->folded, "ABC"), nullptr);
+        ++x->checked;
+        return 1;
+    }, &ctx);
+    EXPECT_EQ(ctx.checked, 3);
+}
+
+TEST_F(StringDbTest, InsertingAnExistingKeyReplacesTheEntryWithoutRelease)
+{
+    ZQstringDB* db = make(release_a, 1);
+    ASSERT_EQ(db->insert(db, "key", &v_[1]), 1);
+    ASSERT_EQ(db->insert(db, "KEY", &v_[2]), 1);
+    EXPECT_EQ(walk(db), (Walked{{"KEY", 1}})); // one entry, the new key copy
+    EXPECT_EQ(*db->lookup(db, "key"), &v_[2]);
+    EXPECT_TRUE(g_released.empty()); // the first value is not released
+
+    // remove releases the value with the database's function...
+    EXPECT_EQ(db->remove(db, "Key"), 1);
+    EXPECT_EQ(g_released, (std::vector<std::pair<char, void*>>{{'A', &v_[2]}}));
+    // ...and leaves no current release function behind: a later
+    // replacement still releases nothing.
+    db->insert(db, "key", &v_[3]);
+    db->insert(db, "key", &v_[4]);
+    EXPECT_EQ(g_released.size(), 1u);
+}
+
+// While remove or destroy of one database runs its release function, that
+// function is current: an insert that displaces a value in another
+// database releases the displaced value with it.
+ZQstringDB* g_other = nullptr;
+int g_late_values[3];
+void insert_into_other()
+{
+    g_other->insert(g_other, "y", &g_late_values[1]);
+}
+
+TEST_F(StringDbTest, InsertReleasesADisplacedValueWithWhateverFunctionIsCurrent)
+{
+    for (const bool by_destroy : {false, true}) {
+        SCOPED_TRACE(by_destroy ? "destroy" : "remove");
+        g_released.clear();
+        ZQstringDB* a = ZQstringDB_new(release_a, 0);
+        g_other = ZQstringDB_new(release_b, 0);
+        ASSERT_TRUE(a && g_other);
+        a->insert(a, "x", &v_[1]);
+        g_other->insert(g_other, "y", &g_late_values[0]);
+        g_on_release_a = insert_into_other;
+        if (by_destroy) {
+            a->destroy(a);
+        } else {
+            EXPECT_EQ(a->remove(a, "x"), 1);
+        }
+        EXPECT_EQ(g_released, (std::vector<std::pair<char, void*>>{{'A', &v_[1]}, {'A', &g_late_values[0]}}));
+        EXPECT_EQ(*g_other->lookup(g_other, "y"), &g_late_values[1]);
+
+        // The previous (empty) current function is back.
+        g_other->insert(g_other, "y", &g_late_values[2]);
+        EXPECT_EQ(g_released.size(), 2u);
+        g_other->destroy(g_other);
+        EXPECT_EQ(g_released.back(), (std::pair<char, void*>{'B', &g_late_values[2]}));
+        if (!by_destroy) {
+            a->destroy(a);
+        }
+        EXPECT_EQ(g_released.size(), 3u);
+    }
+}
+
+TEST_F(StringDbTest, RemoveReleasesEachValueOnceWhateverTheNodeShape)
+{
+    ZQstringDB* db = make(release_b, 0);
+    const char* keys[] = {"1", "2", "3", "4", "5", "6", "7"};
+    for (int i = 0; i < 7; ++i) {
+        db->insert(db, keys[i], &v_[i + 1]);
+    }
+    // "4" is the root with two children, "7" a leaf, then "6" has one child.
+    std::vector<std::pair<char, void*>> expected;
+    for (int k : {4, 7, 6, 1, 3, 2, 5}) {
+        EXPECT_EQ(db->remove(db, keys[k - 1]), 1);
+        expected.push_back({'B', &v_[k]});
+        EXPECT_EQ(g_released, expected);
+        EXPECT_EQ(db->lookup(db, keys[k - 1]), nullptr);
+    }
+    EXPECT_EQ(db->is_empty(db), 1);
+
+    // An absent key still gives 1 and releases nothing; a null value is
+    // never handed to the release function.
+    EXPECT_EQ(db->remove(db, "nothing"), 1);
+    db->insert(db, "null", nullptr);
+    EXPECT_EQ(db->remove(db, "null"), 1);
+    EXPECT_EQ(g_released.size(), 7u);
+}
+
+TEST_F(StringDbTest, DestroyReleasesEveryValue)
+{
+    ZQstringDB* db = ZQstringDB_new(release_b, 1);
+    ASSERT_NE(db, nullptr);
+    std::vector<std::string> keys;
+    for (int i = 0; i < 8; ++i) {
+        keys.push_back("k" + std::to_string(i));
+        db->insert(db, keys.back().c_str(), i == 5 ? nullptr : &v_[i]);
+    }
+    db->destroy(db);
+    ASSERT_EQ(g_released.size(), 7u);
+    for (int i = 0; i < 8; ++i) {
+        const bool released = std::count(g_released.begin(), g_released.end(), std::pair<char, void*>{'B', &v_[i]}) == 1;
+        EXPECT_EQ(released, i != 5) << i;
+    }
+}
+
+TEST_F(StringDbTest, HeightAndWalkDepths)
+{
+    ZQstringDB* db = make(nullptr, 0);
+    EXPECT_EQ(db->height(db), 0);
+    EXPECT_TRUE(walk(db).empty());
+    for (const char* key : {"1", "2", "3", "4", "5", "6", "7"}) {
+        db->insert(db, key, nullptr);
+    }
+    EXPECT_EQ(db->height(db), 3);
+    EXPECT_EQ(walk(db), (Walked{{"1", 3}, {"2", 2}, {"3", 3}, {"4", 1}, {"5", 3}, {"6", 2}, {"7", 3}}));
+    db->insert(db, "8", nullptr);
+    EXPECT_EQ(db->height(db), 4);
+
+    // walk hands over the values too, and lookup's address is the stored
+    // value word itself.
+    *db->lookup(db, "8") = &v_[5];
+    void* seen = nullptr;
+    db->walk(db, &seen, [](void* ctx, const char* key, int, void* value) {
+        if (std::string(key) == "8") {
+            *static_cast<void**>(ctx) = value;
+        }
+    });
+    EXPECT_EQ(seen, &v_[5]);
+}
+
+TEST_F(StringDbTest, ForeachGivesEntriesInOrderAndStops)
+{
+    ZQstringDB* db = make(nullptr, 0);
+    for (const char* key : {"c", "a", "d", "b"}) {
+        db->insert(db, key, &v_[key[0] - 'a']);
+    }
+    struct Ctx {
+        std::string keys;
+        int limit;
+        const int* v;
+    };
+    auto fn = [](ZQstringDB_entry* entry, void* c) {
+        Ctx* x = static_cast<Ctx*>(c);
+        EXPECT_EQ(entry->value, &x->v[entry->key[0] - 'a']);
+        x->keys += entry->key;
+        return static_cast<int>(x->keys.size()) < x->limit ? 1 : 0;
+    };
+    Ctx all{"", 10, v_};
+    EXPECT_EQ(db->foreach(db, fn, &all), 1);
+    EXPECT_EQ(all.keys, "abcd");
+    Ctx two{"", 2, v_};
+    EXPECT_EQ(db->foreach(db, fn, &two), 0);
+    EXPECT_EQ(two.keys, "ab");
+}
+
+TEST_F(StringDbTest, EmptinessNullKeysAndEmptyKeys)
+{
+    ZQstringDB* db = make(nullptr, 0);
+    EXPECT_EQ(db->is_empty(db), 1);
+    EXPECT_EQ(db->insert(db, nullptr, &v_[1]), 0);
+    EXPECT_EQ(db->is_empty(db), 1);
+    EXPECT_EQ(db->lookup(db, nullptr), nullptr);
+    EXPECT_EQ(db->remove(db, nullptr), 0);
+
+    // "" is an ordinary key.
+    EXPECT_EQ(db->insert(db, "", &v_[2]), 1);
+    EXPECT_EQ(db->is_empty(db), 0);
+    ASSERT_NE(db->lookup(db, ""), nullptr);
+    EXPECT_EQ(*db->lookup(db, ""), &v_[2]);
+    EXPECT_EQ(db->lookup(db, nullptr), nullptr);
+
+    // Without a release function, remove and destroy leave values alone.
+    db->insert(db, "k", &v_[3]);
+    EXPECT_EQ(db->remove(db, ""), 1);
+    EXPECT_EQ(db->remove(db, "k"), 1);
+    EXPECT_EQ(db->is_empty(db), 1);
+    EXPECT_TRUE(g_released.empty());
+
+    // The key is the database's own copy.
+    char key[] = "mutable";
+    db->insert(db, key, &v_[4]);
+    key[0] = 'M';
+    EXPECT_NE(db->lookup(db, "mutable"), nullptr);
+    EXPECT_EQ(db->lookup(db, key), nullptr);
+}
+
+} // namespace
