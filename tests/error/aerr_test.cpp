@@ -1,5 +1,7 @@
 // Tests of the aerr_ family: coded errors on the pending record, coded
 // warnings and messages with their hooks and printouts, and fatal exits.
+#include "error/error_test_support.h"
+
 #include <tql70/aerr.h>
 #include <tql70/error.h>
 
@@ -28,18 +30,11 @@ int recording_hook(char* module, int code, char* message, char* text)
     return g_hook_result;
 }
 
-class AerrTest : public ::testing::Test {
+class AerrTest : public tql_test::ErrorStateTest {
 protected:
-    void SetUp() override { clear(); }
-    void TearDown() override { clear(); }
-    static void clear()
+    void clear() override
     {
-        aerr_set_error_function(nullptr);
-        aerr_set_warning_function(nullptr);
-        aerr_set_message_function(nullptr);
-        aerr_set_exit_function(nullptr);
-        set_pending_error("");
-        reset_pending_error();
+        ErrorStateTest::clear();
         g_hook_log.clear();
         g_hook_result = 0;
     }

@@ -1,5 +1,7 @@
 // Tests of ErrorHandler: the stack of handlers, the hooks each one carries
 // beside the global hooks, and its own report functions.
+#include "error/error_test_support.h"
+
 #include <tql70/aerr.h>
 #include <tql70/error.h>
 
@@ -68,23 +70,13 @@ int declining_hook(char*, int, char*, char* text)
     return 0;
 }
 
-std::string pending_text()
-{
-    std::string text;
-    get_pending_error(&text);
-    return text;
-}
+using tql_test::pending_text;
 
-class ErrorHandlerTest : public ::testing::Test {
+class ErrorHandlerTest : public tql_test::ErrorStateTest {
 protected:
-    void SetUp() override { clear(); }
-    void TearDown() override { clear(); }
-    static void clear()
+    void clear() override
     {
-        aerr_set_error_function(nullptr);
-        aerr_set_warning_function(nullptr);
-        set_pending_error("");
-        reset_pending_error();
+        ErrorStateTest::clear();
         g_calls.clear();
     }
 };

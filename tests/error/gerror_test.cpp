@@ -1,5 +1,7 @@
 // Tests of the numbered error codes: the texts of GuiErrno and the system
 // error, their printouts, the debug-mode check and the debug banner.
+#include "error/error_test_support.h"
+
 #include <tql70/gerror.h>
 
 #include "support/child_process.h"
@@ -19,13 +21,7 @@ namespace {
 
 const char kOutOfRange[] = "GuiErrno out of range";
 
-std::string child_stderr(const std::function<void()>& body)
-{
-    const tql_test::ChildResult result = tql_test::run_in_child(body, 10);
-    EXPECT_TRUE(result.exited);
-    EXPECT_EQ(result.exit_status, 0);
-    return result.err;
-}
+using tql_test::child_stderr;
 
 class GerrorTest : public ::testing::Test {
 protected:

@@ -1,5 +1,7 @@
 // Tests of the pending error: its setters and the joining of parts, reading
 // it back, location lines, and reports through hooks or on stderr.
+#include "error/error_test_support.h"
+
 #include <tql70/aerr.h>
 #include <tql70/error.h>
 
@@ -16,25 +18,9 @@
 
 namespace {
 
-std::string pending_text()
-{
-    std::string text;
-    get_pending_error(&text);
-    return text;
-}
+using tql_test::pending_text;
 
-// Runs `body` in a child process and returns what it wrote to stderr; its
-// stdout goes to `out`. The child must end normally.
-std::string child_stderr(const std::function<void()>& body, std::string* out = nullptr)
-{
-    const tql_test::ChildResult result = tql_test::run_in_child(body, 10);
-    EXPECT_TRUE(result.exited) << "signal " << result.signal << (result.timed_out ? ", timed out" : "");
-    EXPECT_EQ(result.exit_status, 0);
-    if (out) {
-        *out = result.out;
-    }
-    return result.err;
-}
+using tql_test::child_stderr;
 
 void print_state()
 {
@@ -43,18 +29,7 @@ void print_state()
 
 // Each test starts from an empty plain-text error that is not pending and
 // from no global hooks, and leaves the same behind.
-class PendingErrorTest : public ::testing::Test {
-protected:
-    void SetUp() override { clear(); }
-    void TearDown() override { clear(); }
-    static void clear()
-    {
-        aerr_set_error_function(nullptr);
-        aerr_set_warning_function(nullptr);
-        set_pending_error("");
-        reset_pending_error();
-    }
-};
+using PendingErrorTest = tql_test::ErrorStateTest;
 
 // A hook that takes every report.
 int take_report(char*, int, char*, char*)
