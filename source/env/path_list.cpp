@@ -16,7 +16,7 @@ size_t path_element_length(const char* text)
 {
     const size_t semicolon = std::strcspn(text, ";");
     size_t colon = std::strcspn(text, ":");
-    const bool drive = colon == 1 && std::isalpha(static_cast<unsigned char>(text[0])) &&
+    const bool drive = text[0] && text[1] == ':' && std::isalpha(static_cast<unsigned char>(text[0])) &&
                        (text[2] == '\\' || text[2] == '/');
     if (drive) {
         colon = 2 + std::strcspn(text + 2, ":");
