@@ -16,20 +16,19 @@ namespace {
 
 constexpr size_t kBufferStep = 2048;
 
-// The pass output. Its room grows in 2048-byte steps; when growing fails
-// the process ends, since an expansion has no status for it.
+// The pass output. Its room grows in 2048-byte steps.
 class WorkBuffer {
 public:
     explicit WorkBuffer(size_t source_length)
     {
-        grow_to(source_length + 1 > kBufferStep ? source_length + 1 : kBufferStep);
+        text_.reserve(source_length + 1 > kBufferStep ? source_length + 1 : kBufferStep);
     }
 
     void append(const char* text, size_t length)
     {
         const size_t needed = text_.size() + length + 1;
         if (needed > text_.capacity()) {
-            grow_to((needed / kBufferStep + 1) * kBufferStep);
+            text_.reserve((needed / kBufferStep + 1) * kBufferStep);
         }
         text_.append(text, length);
     }
@@ -38,18 +37,16 @@ public:
     std::string& text() { return text_; }
 
 private:
-    void grow_to(size_t bytes)
-    {
-        try {
-            text_.reserve(bytes);
-        } catch (const std::bad_alloc&) {
-            std::fprintf(stderr, "\n###  Exceeded internal string buffer size in gui_env  ###\n");
-            std::exit(1);
-        }
-    }
-
     std::string text_;
 };
+
+// Memory for an expansion ran out: an expansion has no status for it, so
+// the process ends.
+[[noreturn]] void expansion_memory_exhausted()
+{
+    std::fprintf(stderr, "\n###  Exceeded internal string buffer size in gui_env  ###\n");
+    std::exit(1);
+}
 
 struct Lookup {
     GuiEnv env;
@@ -179,11 +176,8 @@ bool expand_pass(const Lookup& lookup, const std::string& input, WorkBuffer& out
     return met_reference;
 }
 
-int expand(char* destination, const char* source, int size, const Lookup& lookup)
+int expand_passes(char* destination, const char* source, int size, const Lookup& lookup)
 {
-    if (!destination || !source) {
-        return -1;
-    }
     std::string input = source;
     for (;;) {
         WorkBuffer output(input.size());
@@ -208,6 +202,18 @@ int expand(char* destination, const char* source, int size, const Lookup& lookup
         destination[0] = '\0';
     }
     return static_cast<int>(input.size() + 1);
+}
+
+int expand(char* destination, const char* source, int size, const Lookup& lookup)
+{
+    if (!destination || !source) {
+        return -1;
+    }
+    try {
+        return expand_passes(destination, source, size, lookup);
+    } catch (const std::bad_alloc&) {
+        expansion_memory_exhausted();
+    }
 }
 
 std::vector<GuiEnv> further_environments(GuiEnv env, va_list args)

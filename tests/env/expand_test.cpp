@@ -5,12 +5,25 @@
 
 #include "support/child_process.h"
 
+#include <cstdlib>
 #include <cstring>
+#include <fstream>
+#include <sys/resource.h>
+#include <unistd.h>
 
 namespace tql_test {
 namespace {
 
 using Expand = EnvTest;
+
+// The address space the process uses now, in bytes (from /proc).
+size_t current_address_space()
+{
+    std::ifstream statm("/proc/self/statm");
+    size_t pages = 0;
+    statm >> pages;
+    return pages * static_cast<size_t>(sysconf(_SC_PAGESIZE));
+}
 
 // The expansion of `source` in `env` (no further environments), or
 // "<-1>" / "<size N>".
@@ -157,6 +170,32 @@ TEST_F(Expand, VariablesReferringToEachOtherNeverFinish)
         },
         2);
     EXPECT_TRUE(child.timed_out);
+}
+
+// When the work buffer cannot grow the process ends with a message. The
+// address-space limit that provokes it does not work with the sanitizers'
+// shadow memory, so their builds skip this test.
+TEST_F(Expand, BufferThatCannotGrowEndsTheProcess)
+{
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+    GTEST_SKIP() << "address-space limits do not work with sanitizers";
+#else
+    const ChildResult child = run_in_child([] {
+        GuiEnv env = gui_env_open("big", GUI_ENV_ANY);
+        const std::string big(64u << 20, 'b');
+        gui_env_put(env, "BIG", big.c_str(), GUI_ENV_LOCAL);
+        rlimit limit{};
+        getrlimit(RLIMIT_AS, &limit);
+        limit.rlim_cur = current_address_space() + (16u << 20);
+        setrlimit(RLIMIT_AS, &limit);
+        char out[16];
+        gui_env_expand_str(out, "%BIG", sizeof out, env, static_cast<GuiEnv>(nullptr));
+        std::_Exit(0);
+    });
+    EXPECT_TRUE(child.exited);
+    EXPECT_EQ(child.exit_status, 1);
+    EXPECT_EQ(child.err, "\n###  Exceeded internal string buffer size in gui_env  ###\n");
+#endif
 }
 
 TEST_F(Expand, GetAndExpandInPlace)
