@@ -14,6 +14,7 @@
 #include "avltree.h"
 #include "zq_paths.h"
 #include "gfile.h"
+#include "zq_arrays.h"
 #include "platform.h"
 #include "base64.h"
 
