@@ -15,6 +15,7 @@
 #include "zq_paths.h"
 #include "gfile.h"
 #include "zq_arrays.h"
+#include "gtime.h"
 #include "platform.h"
 #include "base64.h"
 
