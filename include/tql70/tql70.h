@@ -14,6 +14,7 @@
 #include "avltree.h"
 #include "zq_paths.h"
 #include "gfile.h"
+#include "tql_os.h"
 #include "zq_arrays.h"
 #include "gtime.h"
 #include "platform.h"

@@ -5,6 +5,7 @@
 #define TQL70_SOURCE_PLATFORM_PLATFORM_H
 
 #include <cstdio>
+#include <sys/stat.h>
 #include <string>
 
 class QString;
@@ -52,6 +53,29 @@ std::string absolute_file_path(const char* name);
 // is `name` without regard to ASCII case: `name` itself when it exists as
 // written, else the first such entry in listing order. False when none.
 bool find_entry_ignoring_case(const std::string& directory, const std::string& name, std::string& found);
+
+// ---- the portable OS layer (names here are native) ----------------------
+
+// An open directory listing; null when the directory cannot be listed.
+struct DirectoryStream;
+DirectoryStream* open_directory(const std::string& native);
+// The next entry name ("." and ".." included); false at the end.
+bool next_directory_entry(DirectoryStream* stream, std::string& name);
+// 0 on success, -1 on failure; frees the stream.
+int close_directory(DirectoryStream* stream);
+
+// stat(2) of a native name, or, with a null `buf`, access(2) for existence.
+// 0 on success, -1 on failure.
+int stat_native(const std::string& native, struct stat* buf);
+
+// One directory (QDir::mkdir: false when it exists), or every missing one
+// on the way (QDir::mkpath: true when all exist).
+bool make_directory(const std::string& native);
+bool make_path(const std::string& native);
+
+// A name in `directory` made of `prefix` and random characters that does
+// not exist when it is made ("directory/prefixXXXXXX").
+std::string unique_temporary_name(const std::string& directory, const std::string& prefix);
 
 // ---- settings store (stands in for the registry) -----------------------
 
