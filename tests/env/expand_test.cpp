@@ -17,7 +17,7 @@ namespace {
 using Expand = EnvTest;
 
 // The address space the process uses now, in bytes (from /proc).
-size_t current_address_space()
+[[maybe_unused]] size_t current_address_space()
 {
     std::ifstream statm("/proc/self/statm");
     size_t pages = 0;

@@ -21,7 +21,7 @@ int record_recovery(unsigned int size, int argument)
     return 7;
 }
 
-int other_recovery(unsigned int, int)
+[[maybe_unused]] int other_recovery(unsigned int, int)
 {
     return 8;
 }
