@@ -4,9 +4,56 @@
 #ifndef TQL70_GFILE_H
 #define TQL70_GFILE_H
 
+#include <stdio.h>
+
 #include "export.h"
 
 TQL70_BEGIN_DECLS
+
+/* ---- file handles: status-returning streams (1 success, 0 failure) ---- */
+
+/* Open modes of gfile_filopn. */
+#define GFILE_WRITE 0
+#define GFILE_READ 1
+#define GFILE_APPEND 3
+
+/* Line limit of gfile_getline, the terminating NUL included. */
+#define GFILE_LINE_MAX 1024
+
+/* Opens `name` for writing (0, "w"), reading (1, "r") or appending (3, "a")
+ * and stores the stream (or null) in *fp; other modes leave *fp alone.
+ * Returns whether *fp is non-null. */
+TQL70_API int gfile_filopn(FILE** fp, const char* name, int mode);
+/* Closes the stream; 0 for null or a failed close. */
+TQL70_API int gfile_filcls(FILE* fp);
+/* 1 at end of file. */
+TQL70_API int gfile_filend(FILE* fp);
+/* 1 when the stream's error indicator is set. */
+TQL70_API int gfile_filerr(FILE* fp);
+/* fread / fwrite of `count` items of `size` bytes; 1 unless the error
+ * indicator is set afterwards (a short read at end of file succeeds). */
+TQL70_API int gfile_getfilbuf(FILE* fp, size_t size, size_t count, void* buf);
+TQL70_API int gfile_putfilbuf(FILE* fp, size_t size, size_t count, const void* buf);
+/* Stores the next byte (0xFF at end of file); 0 only when both the error
+ * and end-of-file indicators are set. */
+TQL70_API int gfile_getfilchr(FILE* fp, char* c);
+/* fputc; 1 unless the error indicator is set. */
+TQL70_API int gfile_putfilchr(FILE* fp, char c);
+/* Stores the position (ftell); 0 when it fails. */
+TQL70_API int gfile_getfilptr(FILE* fp, long* pos);
+/* Seeks to the absolute position / to the start; 1 on success. */
+TQL70_API int gfile_putfilptr(FILE* fp, long pos);
+TQL70_API int gfile_resetfilptr(FILE* fp);
+/* gfile_getline_limited(fp, buf, GFILE_LINE_MAX). */
+TQL70_API int gfile_getline(FILE* fp, char* buf);
+/* Reads one line into buf (at most n - 1 characters; the rest of a longer
+ * line is read and thrown away), cut at its first CR, LF or Ctrl-Z. 0 at
+ * end of file, or when the line starts with Ctrl-Z (the end-of-file mark). */
+TQL70_API int gfile_getline_limited(FILE* fp, char* buf, int n);
+/* Writes `text`, and "\n" when `newline` is set; 0 when a write fails. */
+TQL70_API int gfile_putline(FILE* fp, int newline, const char* text);
+
+/* ---- parts of file names ---- */
 
 /* File-name comparisons without regard to case, with the signs of
  * strcasecmp and strncasecmp. */
@@ -71,7 +118,13 @@ TQL70_API TQL70_BOOL gfile_allow_spaces_in_files(void);
 TQL70_END_DECLS
 
 #ifdef __cplusplus
+#include <string>
+
 class QString;
+
+/* Reads one line of any length into *line, with the line rules of
+ * gfile_getline_limited; false at end of file or at the end-of-file mark. */
+TQL70_API bool gfile_getline_std_string(FILE* fp, std::string* line);
 
 /* Removes one trailing '/' or '\' from `dir`; a three-character string
  * whose second character is ':' is left alone. */

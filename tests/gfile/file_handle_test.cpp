@@ -1,0 +1,130 @@
+// File handles and the line readers: modes, status results, CR/LF/CRLF
+// ends, over-long lines and the Ctrl-Z end-of-file mark.
+#include "support/scoped_env.h"
+
+#include <tql70/gfile.h>
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace tql_test {
+namespace {
+
+std::vector<std::string> limited_lines(const std::string& file, int n = GFILE_LINE_MAX)
+{
+    FILE* fp = nullptr;
+    EXPECT_EQ(gfile_filopn(&fp, file.c_str(), GFILE_READ), 1);
+    std::vector<std::string> lines;
+    std::vector<char> buf(n);
+    while (gfile_getline_limited(fp, buf.data(), n)) {
+        lines.push_back(buf.data());
+    }
+    gfile_filcls(fp);
+    return lines;
+}
+
+std::vector<std::string> string_lines(const std::string& file)
+{
+    FILE* fp = nullptr;
+    gfile_filopn(&fp, file.c_str(), GFILE_READ);
+    std::vector<std::string> lines;
+    std::string line = "stale";
+    while (gfile_getline_std_string(fp, &line)) {
+        lines.push_back(line);
+    }
+    gfile_filcls(fp);
+    return lines;
+}
+
+TEST(FileHandle, LineEndsAndEndOfFileMark)
+{
+    TempDir dir;
+    using V = std::vector<std::string>;
+    const std::string ends = dir.write_file("ends.txt", "crlf\r\nlf\ncr\rtail\n\nlast");
+    EXPECT_EQ(limited_lines(ends), (V{"crlf", "lf", "cr", "", "last"}));
+    EXPECT_EQ(string_lines(ends), (V{"crlf", "lf", "cr", "", "last"}));
+
+    const std::string mark = dir.write_file("mark.txt", "one\n\x1a" "after\ntwo\n");
+    EXPECT_EQ(limited_lines(mark), V{"one"});
+    EXPECT_EQ(string_lines(mark), V{"one"});
+    const std::string inner = dir.write_file("inner.txt", "a\x1" "ab\nb\n");
+    EXPECT_EQ(limited_lines(inner), (V{"a\x1" "ab", "b"}));
+    EXPECT_EQ(limited_lines(dir.write_file("stop.txt", "x\x1az\ny\n")), (V{"x", "y"}));
+    EXPECT_EQ(limited_lines(dir.write_file("empty.txt", "")), V{});
+    EXPECT_EQ(string_lines(dir.path() + "/empty.txt"), V{});
+}
+
+TEST(FileHandle, LongLines)
+{
+    TempDir dir;
+    const std::string long_line(2000, 'x');
+    const std::string huge(5000, 'y');
+    const std::string file = dir.write_file("long.txt", long_line + "\nnext\n" + huge + "\r\nend\n");
+    const std::vector<std::string> limited = limited_lines(file);
+    ASSERT_EQ(limited.size(), 4u);
+    EXPECT_EQ(limited[0], std::string(1023, 'x'));
+    EXPECT_EQ(limited[1], "next");
+    EXPECT_EQ(limited[2], std::string(1023, 'y'));
+    EXPECT_EQ(limited[3], "end");
+    EXPECT_EQ(limited_lines(file, 8)[1], "next");
+    EXPECT_EQ(string_lines(file), (std::vector<std::string>{long_line, "next", huge, "end"}));
+
+    // A line of exactly 1,023 characters fits and keeps the next line.
+    const std::string exact = dir.write_file("exact.txt", std::string(1023, 'e') + "\nafter\n");
+    EXPECT_EQ(limited_lines(exact), (std::vector<std::string>{std::string(1023, 'e'), "after"}));
+    EXPECT_EQ(string_lines(exact), (std::vector<std::string>{std::string(1023, 'e'), "after"}));
+}
+
+TEST(FileHandle, ModesBlocksCharactersAndPositions)
+{
+    TempDir dir;
+    const std::string name = dir.path() + "\\data.bin";
+    FILE* fp = nullptr;
+    EXPECT_EQ(gfile_filopn(&fp, name.c_str(), 2), 0); // mode 2 opens nothing
+    EXPECT_EQ(fp, nullptr);
+    ASSERT_EQ(gfile_filopn(&fp, name.c_str(), GFILE_WRITE), 1);
+    EXPECT_EQ(gfile_putline(fp, 1, "first"), 1);
+    EXPECT_EQ(gfile_putline(fp, 0, "second"), 1);
+    EXPECT_EQ(gfile_putfilchr(fp, '!'), 1);
+    const int numbers[3] = {1, 2, 3};
+    EXPECT_EQ(gfile_putfilbuf(fp, sizeof(int), 3, numbers), 1);
+    EXPECT_EQ(gfile_filcls(fp), 1);
+    ASSERT_EQ(gfile_filopn(&fp, name.c_str(), GFILE_APPEND), 1);
+    EXPECT_EQ(gfile_putline(fp, 0, "+"), 1);
+    gfile_filcls(fp);
+
+    ASSERT_EQ(gfile_filopn(&fp, name.c_str(), GFILE_READ), 1);
+    char line[GFILE_LINE_MAX];
+    ASSERT_EQ(gfile_getline(fp, line), 1);
+    EXPECT_STREQ(line, "first");
+    long pos = 0;
+    EXPECT_EQ(gfile_getfilptr(fp, &pos), 1);
+    EXPECT_EQ(pos, 6);
+    EXPECT_EQ(gfile_putfilptr(fp, 12), 1);
+    char c = 0;
+    EXPECT_EQ(gfile_getfilchr(fp, &c), 1);
+    EXPECT_EQ(c, '!');
+    int read_back[3] = {};
+    EXPECT_EQ(gfile_getfilbuf(fp, sizeof(int), 3, read_back), 1);
+    EXPECT_EQ(read_back[2], 3);
+    EXPECT_EQ(gfile_getfilchr(fp, &c), 1);
+    EXPECT_EQ(c, '+');
+    EXPECT_EQ(gfile_getfilbuf(fp, 1, 10, line), 1); // a short read at the end succeeds
+    EXPECT_EQ(gfile_filend(fp), 1);
+    EXPECT_EQ(gfile_getfilchr(fp, &c), 1);
+    EXPECT_EQ(static_cast<unsigned char>(c), 0xFF);
+    EXPECT_EQ(gfile_filerr(fp), 0);
+    EXPECT_EQ(gfile_resetfilptr(fp), 1);
+    ASSERT_EQ(gfile_getline(fp, line), 1);
+    EXPECT_STREQ(line, "first");
+    EXPECT_EQ(gfile_filcls(fp), 1);
+    EXPECT_EQ(gfile_filcls(nullptr), 0);
+
+    fp = nullptr;
+    EXPECT_EQ(gfile_filopn(&fp, (dir.path() + "/missing/x").c_str(), GFILE_READ), 0);
+}
+
+} // namespace
+} // namespace tql_test
