@@ -53,6 +53,52 @@ TQL70_API int gfile_getline_limited(FILE* fp, char* buf, int n);
 /* Writes `text`, and "\n" when `newline` is set; 0 when a write fails. */
 TQL70_API int gfile_putline(FILE* fp, int newline, const char* text);
 
+/* ---- tests of files (1 true, 0 false) ---- */
+
+/* File type bits of gfile_type. */
+#define GFILE_TYPE_DIRECTORY 0x4000
+#define GFILE_TYPE_FILE 0x8000
+
+TQL70_API int gfile_exists(const char* path);
+TQL70_API int gfile_is_dir(const char* path);
+TQL70_API int gfile_is_readable(const char* path);
+TQL70_API int gfile_is_writable(const char* path);
+TQL70_API int gfile_is_executable(const char* path);
+/* 1 when `a` was modified strictly later than `b` (despite the name: the
+ * first file is the newer one); 0 when either cannot be stat'ed. */
+TQL70_API int gfile_is_file_older(const char* a, const char* b);
+/* The st_mode & 0xF000 bits (GFILE_TYPE_DIRECTORY, GFILE_TYPE_FILE, ...),
+ * one trailing separator ignored; 0 when missing or longer than 1,024. */
+TQL70_API int gfile_type(const char* path);
+/* Size in bytes, at most 2,147,483,647; 0 for null; -1 when missing. */
+TQL70_API int gfile_filesize(const char* path);
+/* Does nothing; 0. */
+TQL70_API int gfile_cstat(void);
+/* Prints the descriptor number of a new temporary file ("gfile: current
+ * number of files open = %d\n") to stderr; 1, or 0 when none can be made. */
+TQL70_API int gfile_fopen_status(void);
+/* A new 64-byte string (gmem) naming the operating system ("Linux"). */
+TQL70_API char* gfile_win_os(void);
+
+/* ---- operations ---- */
+
+/* Copies the bytes of `src` to `dst` (created or truncated) and gives it
+ * the times of `src`; permissions are not copied. The emergency memory
+ * reserve is given up for the copy. 0 with GuiErrno 22 (no source), 23
+ * (cannot open), 24 (read), 25 (write) or 27 (no memory). */
+TQL70_API int gfile_copy(const char* src, const char* dst);
+/* Removes one file; 0 with GuiErrno 26 on failure. */
+TQL70_API int gfile_erasefil(const char* path);
+/* gfile_copy then gfile_erasefil of the source; a failed erase leaves both. */
+TQL70_API int gfile_move(const char* src, const char* dst);
+/* Appends the lines of `src` to `dst`, each written without its line end
+ * (the historical behaviour: the lines run together). 0 when either file
+ * cannot be opened. */
+TQL70_API int gfile_append_file_to_file(const char* dst, const char* src);
+/* Appends `line` and a line feed (nothing for a null or empty line); 0 when
+ * `dst` cannot be opened. */
+TQL70_API int gfile_append_line_to_file(const char* dst, const char* line);
+
 /* ---- parts of file names ---- */
 
 /* File-name comparisons without regard to case, with the signs of

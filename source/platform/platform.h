@@ -77,6 +77,21 @@ bool make_path(const std::string& native);
 // not exist when it is made ("directory/prefixXXXXXX").
 std::string unique_temporary_name(const std::string& directory, const std::string& prefix);
 
+// ---- file operations (names here are native) ---------------------------
+
+enum class Access { kRead, kWrite, kExecute };
+// QFileInfo's isReadable / isWritable / isExecutable.
+bool has_access(const std::string& native, Access access);
+// QDir::remove of a file, QDir::rmdir of an empty directory.
+bool remove_file(const std::string& native);
+bool remove_directory(const std::string& native);
+// Gives `native` the access and modification times of `like`.
+bool copy_file_times(const std::string& like, const std::string& native);
+// chmod(2); 0 on success, -1 on failure.
+int change_mode(const std::string& native, int mode);
+// The operating system's name (uname sysname, "Linux").
+std::string system_name();
+
 // ---- settings store (stands in for the registry) -----------------------
 
 // Set once initialize_qt_core_settings has run; callers that build a

@@ -1,0 +1,65 @@
+// System calls of the file operations: access tests, removal, times,
+// permissions and the system's name.
+#include "platform/platform.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QString>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <sys/utsname.h>
+
+namespace {
+
+QString qt_name(const std::string& native)
+{
+    return QString::fromStdString(native);
+}
+
+} // namespace
+
+bool has_access(const std::string& native, Access access)
+{
+    const QFileInfo info(qt_name(native));
+    switch (access) {
+    case Access::kRead:
+        return info.isReadable();
+    case Access::kWrite:
+        return info.isWritable();
+    case Access::kExecute:
+        return info.isExecutable();
+    }
+    return false;
+}
+
+bool remove_file(const std::string& native)
+{
+    return QDir().remove(qt_name(native));
+}
+
+bool remove_directory(const std::string& native)
+{
+    return QDir().rmdir(qt_name(native));
+}
+
+bool copy_file_times(const std::string& like, const std::string& native)
+{
+    struct stat st;
+    if (::stat(like.c_str(), &st) != 0) {
+        return false;
+    }
+    const timespec times[2] = {st.st_atim, st.st_mtim};
+    return ::utimensat(AT_FDCWD, native.c_str(), times, 0) == 0;
+}
+
+int change_mode(const std::string& native, int mode)
+{
+    return ::chmod(native.c_str(), static_cast<mode_t>(mode)) == 0 ? 0 : -1;
+}
+
+std::string system_name()
+{
+    struct utsname name;
+    return ::uname(&name) == 0 ? name.sysname : "";
+}
