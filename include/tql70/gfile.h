@@ -99,6 +99,20 @@ TQL70_API int gfile_append_file_to_file(const char* dst, const char* src);
  * `dst` cannot be opened. */
 TQL70_API int gfile_append_line_to_file(const char* dst, const char* line);
 
+/* Copies a file (into a directory when `dst` is one), the files of a
+ * wildcard name such as "dir\*.txt" (into a directory, not descending), or
+ * with `recursive` a directory tree (`dst` is created when missing; an
+ * existing plain file refuses it). Names over 1,024 characters are refused.
+ * A failure stops the copy and leaves what was copied. */
+TQL70_API int gfile_cp(const char* src, const char* dst, int recursive);
+/* Removes a file, the files of a wildcard name, or with `recursive` a
+ * directory and everything below it (symbolic links are removed, never
+ * followed). A failure does not stop a walk; the answer is then 0. */
+TQL70_API int gfile_rm(const char* path, int recursive);
+/* chmod of a file or of every entry matching a wildcard name (directories
+ * are not entered); 1 when all succeeded. */
+TQL70_API int gfile_chmod(const char* path, int mode);
+
 /* ---- parts of file names ---- */
 
 /* File-name comparisons without regard to case, with the signs of
