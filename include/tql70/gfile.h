@@ -80,6 +80,12 @@ TQL70_API int gfile_fopen_status(void);
 /* A new 64-byte string (gmem) naming the operating system ("Linux"). */
 TQL70_API char* gfile_win_os(void);
 
+/* 1 when the open text file starts with an encrypted header line that
+ * decrypts: its number and word are stored and the stream is left after
+ * the header. Otherwise 0 with the stream rewound (GuiErrno 28 when it
+ * cannot be, 24 when the first line cannot be read). */
+TQL70_API int gfile_encrypted(FILE* stream, int* number, char* word);
+
 /* ---- operations ---- */
 
 /* Copies the bytes of `src` to `dst` (created or truncated) and gives it
