@@ -119,6 +119,35 @@ TQL70_API int gfile_rm(const char* path, int recursive);
  * are not entered); 1 when all succeeded. */
 TQL70_API int gfile_chmod(const char* path, int mode);
 
+/* ---- directories ---- */
+
+/* Creates the directory `path` (converted in place to '\'), with every
+ * missing parent when `parents` is set. $NAME and %NAME% components are
+ * replaced by the process variable (an unset one prints a message and
+ * fails). A path beginning with '\' or "C:\" is walked from its third
+ * character, as it always has been. 1 on success (also when it exists). */
+TQL70_API int gfile_mkdir(char* path, int parents, int mode);
+/* 1 when the directory exists and is writable or could be created (with
+ * `parents`: judged by its deepest existing ancestor; without: only the
+ * last component may be missing). Nothing is created. */
+TQL70_API int gfile_makebledir(char* path, int parents);
+/* Kilobytes of everything below `dir` (at most 2,147,483,647); names
+ * beginning with '.' and symbolic links are not entered. */
+TQL70_API int gfile_dirsize(const char* dir);
+/* Free kilobytes of the volume holding `dir` (converted in place), at most
+ * 2,147,483,647; 0 with a message when it is not a directory. */
+TQL70_API int gfile_freedir_space(char* dir);
+/* Rewrites the directory name `dir` in place as the absolute name of the
+ * current directory it leads to (native separators) followed by one '\';
+ * 0 when it is empty or cannot be entered. The current directory is
+ * changed for the call and restored. */
+TQL70_API int gfile_setdefpath(char* dir);
+/* The current directory in library form with a trailing '\'; 0 for a null
+ * buffer or when it does not fit in `size` bytes. */
+TQL70_API int gfile_getdefpath(char* buf, int size);
+/* Does nothing. */
+TQL70_API void gmain_exit_list(void);
+
 /* ---- parts of file names ---- */
 
 /* File-name comparisons without regard to case, with the signs of

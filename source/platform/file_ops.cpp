@@ -8,6 +8,7 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/statvfs.h>
 #include <sys/utsname.h>
 
 namespace {
@@ -56,6 +57,16 @@ bool copy_file_times(const std::string& like, const std::string& native)
 int change_mode(const std::string& native, int mode)
 {
     return ::chmod(native.c_str(), static_cast<mode_t>(mode)) == 0 ? 0 : -1;
+}
+
+bool volume_free_bytes(const std::string& native, unsigned long long& bytes)
+{
+    struct statvfs volume;
+    if (::statvfs(native.c_str(), &volume) != 0) {
+        return false;
+    }
+    bytes = static_cast<unsigned long long>(volume.f_bfree) * volume.f_frsize;
+    return true;
 }
 
 std::string system_name()

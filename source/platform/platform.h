@@ -89,6 +89,9 @@ bool remove_directory(const std::string& native);
 bool copy_file_times(const std::string& like, const std::string& native);
 // chmod(2); 0 on success, -1 on failure.
 int change_mode(const std::string& native, int mode);
+// All free bytes of the volume that holds `native` (statvfs f_bfree *
+// f_frsize); false when it cannot be had.
+bool volume_free_bytes(const std::string& native, unsigned long long& bytes);
 // The operating system's name (uname sysname, "Linux").
 std::string system_name();
 
