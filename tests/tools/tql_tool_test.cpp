@@ -90,6 +90,33 @@ TEST(TqlTool, ExpandAndPathForms)
     EXPECT_EQ(tql("path canon ./", true).status, 1);
 }
 
+TEST(TqlTool, FileCommands)
+{
+    tql_test::TempDir dir;
+    dir.write_file("src/a.txt", "abc");
+    dir.write_file("src/sub/b.txt", std::string(4096, 'b'));
+    const std::string src = dir.path() + "/src";
+    EXPECT_EQ(tql("cp " + src + " " + dir.path() + "/copy").status, 1); // a directory needs -r
+    EXPECT_EQ(tql("cp " + src + " " + dir.path() + "/copy -r").status, 0);
+    EXPECT_EQ(tql("cp " + src + "/a.txt " + dir.path() + "/one.txt").status, 0);
+    const ToolRun missing = tql("cp " + dir.path() + "/none " + dir.path() + "/x", true);
+    EXPECT_EQ(missing.status, 1);
+    EXPECT_NE(missing.out.find("tql: cannot copy " + dir.path() + "/none"), std::string::npos);
+
+    const ToolRun du = tql("du " + dir.path() + "/copy");
+    EXPECT_EQ(du.status, 0);
+    EXPECT_GE(std::stoi(du.out), 4);
+    EXPECT_EQ(tql("du " + dir.path() + "/none").status, 1);
+    const ToolRun df = tql("df " + dir.path());
+    EXPECT_EQ(df.status, 0);
+    EXPECT_GT(std::stoi(df.out), 0);
+
+    EXPECT_EQ(tql("rm " + dir.path() + "/copy").status, 1); // a directory needs -r
+    EXPECT_EQ(tql("rm " + dir.path() + "/copy -r").status, 0);
+    EXPECT_EQ(tql("rm " + dir.path() + "/one.txt").status, 0);
+    EXPECT_EQ(tql("rm " + dir.path() + "/one.txt").status, 1);
+}
+
 TEST(TqlTool, BadArgumentsAreUsageErrors)
 {
     struct Case {
@@ -103,6 +130,10 @@ TEST(TqlTool, BadArgumentsAreUsageErrors)
         {"version extra", "tql: version takes no arguments"},
         {"errors extra", "tql: errors takes no arguments"},
         {"expand", "tql: expand takes one text"},
+        {"cp a", "tql: cp takes a source and a destination"},
+        {"rm", "tql: rm takes one path"},
+        {"du", "tql: du takes one directory"},
+        {"df a b", "tql: df takes one directory"},
         {"path canon", "tql: path takes 'native' or 'canon' and one path"},
         {"path up x", "tql: path takes 'native' or 'canon' and one path"},
     };

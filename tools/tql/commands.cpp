@@ -105,6 +105,84 @@ int run_path(const Args& args)
     return 0;
 }
 
+// Prints the library's text of the last file error, or a generic one when
+// the operation reports failure by its result alone.
+int file_failure(const char* what, const std::string& path)
+{
+    const int code = gerror_get_error();
+    if (code >= 22 && code <= 28) {
+        std::fprintf(stderr, "tql: %s %s: %s\n", what, path.c_str(), gerror_get_error_message());
+    } else {
+        std::fprintf(stderr, "tql: %s %s failed\n", what, path.c_str());
+    }
+    return 1;
+}
+
+// Splits off a trailing "-r"; true when it was there.
+bool take_recursive(Args& args)
+{
+    if (!args.empty() && args.back() == "-r") {
+        args.pop_back();
+        return true;
+    }
+    return false;
+}
+
+int run_cp(const Args& given)
+{
+    Args args = given;
+    const bool recursive = take_recursive(args);
+    if (args.size() != 2) {
+        return usage_error(find("cp"), "cp takes a source and a destination");
+    }
+    gerror_set_error(0);
+    if (!gfile_cp(args[0].c_str(), args[1].c_str(), recursive)) {
+        return file_failure("cannot copy", args[0]);
+    }
+    return 0;
+}
+
+int run_rm(const Args& given)
+{
+    Args args = given;
+    const bool recursive = take_recursive(args);
+    if (args.size() != 1) {
+        return usage_error(find("rm"), "rm takes one path");
+    }
+    gerror_set_error(0);
+    if (!gfile_rm(args[0].c_str(), recursive)) {
+        return file_failure("cannot remove", args[0]);
+    }
+    return 0;
+}
+
+int run_du(const Args& args)
+{
+    if (args.size() != 1) {
+        return usage_error(find("du"), "du takes one directory");
+    }
+    if (!gfile_is_dir(args[0].c_str())) {
+        std::fprintf(stderr, "tql: %s is not a directory\n", args[0].c_str());
+        return 1;
+    }
+    std::printf("%d\n", gfile_dirsize(args[0].c_str()));
+    return 0;
+}
+
+int run_df(const Args& args)
+{
+    if (args.size() != 1) {
+        return usage_error(find("df"), "df takes one directory");
+    }
+    std::string directory = args[0];
+    if (!gfile_is_dir(directory.c_str())) {
+        std::fprintf(stderr, "tql: %s is not a directory\n", directory.c_str());
+        return 1;
+    }
+    std::printf("%d\n", gfile_freedir_space(&directory[0]));
+    return 0;
+}
+
 } // namespace
 
 const std::vector<Command>& commands()
@@ -120,6 +198,11 @@ const std::vector<Command>& commands()
          "expand $NAME and %NAME references in TEXT in the default environment;\n"
          "                       exit status 1 when it expands to nothing",
          run_expand},
+        {"cp", "tql cp SRC DST [-r]",
+         "copy a file, a wildcard set (\"dir/*.txt\") or, with -r, a directory tree", run_cp},
+        {"rm", "tql rm PATH [-r]", "remove a file, a wildcard set or, with -r, a directory tree", run_rm},
+        {"du", "tql du DIR", "kilobytes used below a directory", run_du},
+        {"df", "tql df DIR", "free kilobytes of the volume holding a directory", run_df},
         {"path", "tql path native|canon PATH",
          "print the Linux form of a library-form path, or its absolute canonical form",
          run_path},
