@@ -113,7 +113,7 @@ int file_failure(const char* what, const std::string& path)
     if (code >= 22 && code <= 28) {
         std::fprintf(stderr, "tql: %s %s: %s\n", what, path.c_str(), gerror_get_error_message());
     } else {
-        std::fprintf(stderr, "tql: %s %s failed\n", what, path.c_str());
+        std::fprintf(stderr, "tql: %s %s\n", what, path.c_str());
     }
     return 1;
 }
