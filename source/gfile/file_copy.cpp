@@ -61,42 +61,57 @@ int gfile_copy(const char* src, const char* dst)
     }
     unsigned long long remaining = static_cast<unsigned long long>(st.st_size);
     ReserveReleased reserve;
-
-    // The whole file in one chunk when memory allows, else halves of it.
-    size_t chunk = static_cast<size_t>(remaining < 0x7FFFFFFFull ? remaining : 0x7FFFFFFFull);
-    char* buffer = static_cast<char*>(gmem_ee_malloc(chunk + 1, 1));
-    while (!buffer && chunk / 2 > 1000) {
-        chunk /= 2;
-        buffer = static_cast<char*>(gmem_ee_malloc(chunk + 1, 1));
-    }
-    if (!buffer) {
-        fail(kNoCopyMemory, __LINE__);
-        return 0;
-    }
     Stream in(fopen_utf8(src, "rb"));
     Stream out(in.get() ? fopen_utf8(dst, "w+b") : nullptr);
     if (!in.get() || !out.get()) {
         fail(kCannotOpen, __LINE__);
-        gmem_ee_free(buffer);
         return 0;
     }
-    while (remaining > 0) {
-        if (remaining < chunk) {
-            chunk = static_cast<size_t>(remaining);
-        }
-        if (std::fread(buffer, 1, chunk, in.get()) != chunk) {
-            fail(kReadError, __LINE__);
-            gmem_ee_free(buffer);
-            return 0;
-        }
-        if (std::fwrite(buffer, 1, chunk, out.get()) != chunk) {
-            fail(kWriteError, __LINE__);
-            gmem_ee_free(buffer);
-            return 0;
-        }
-        remaining -= chunk;
+    // The kernel copies without passing the bytes through this process;
+    // where it cannot, the bytes go through one buffer of the whole file
+    // when memory allows, else through halves of it.
+    switch (kernel_copy(in.get(), out.get(), remaining)) {
+    case KernelCopy::kDone:
+        remaining = 0;
+        break;
+    case KernelCopy::kShort:
+        fail(kReadError, __LINE__);
+        return 0;
+    case KernelCopy::kFailed:
+        fail(kWriteError, __LINE__);
+        return 0;
+    case KernelCopy::kUnsupported:
+        break;
     }
-    gmem_ee_free(buffer);
+    if (remaining > 0) {
+        size_t chunk = static_cast<size_t>(remaining < 0x7FFFFFFFull ? remaining : 0x7FFFFFFFull);
+        char* buffer = static_cast<char*>(gmem_ee_malloc(chunk + 1, 1));
+        while (!buffer && chunk / 2 > 1000) {
+            chunk /= 2;
+            buffer = static_cast<char*>(gmem_ee_malloc(chunk + 1, 1));
+        }
+        if (!buffer) {
+            fail(kNoCopyMemory, __LINE__);
+            return 0;
+        }
+        while (remaining > 0) {
+            if (remaining < chunk) {
+                chunk = static_cast<size_t>(remaining);
+            }
+            if (std::fread(buffer, 1, chunk, in.get()) != chunk) {
+                fail(kReadError, __LINE__);
+                gmem_ee_free(buffer);
+                return 0;
+            }
+            if (std::fwrite(buffer, 1, chunk, out.get()) != chunk) {
+                fail(kWriteError, __LINE__);
+                gmem_ee_free(buffer);
+                return 0;
+            }
+            remaining -= chunk;
+        }
+        gmem_ee_free(buffer);
+    }
     in.close();
     if (!out.close()) {
         fail(kWriteError, __LINE__);

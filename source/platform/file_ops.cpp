@@ -6,7 +6,9 @@
 #include <QFileInfo>
 #include <QString>
 
+#include <cerrno>
 #include <fcntl.h>
+#include <unistd.h>
 #include <sys/stat.h>
 #include <sys/statvfs.h>
 #include <sys/utsname.h>
@@ -57,6 +59,28 @@ bool copy_file_times(const std::string& like, const std::string& native)
 int change_mode(const std::string& native, int mode)
 {
     return ::chmod(native.c_str(), static_cast<mode_t>(mode)) == 0 ? 0 : -1;
+}
+
+KernelCopy kernel_copy(FILE* in, FILE* out, unsigned long long bytes)
+{
+    std::fflush(out);
+    const int from = fileno(in);
+    const int to = fileno(out);
+    unsigned long long copied = 0;
+    while (copied < bytes) {
+        const size_t want = bytes - copied > (1ull << 30) ? (1u << 30) : static_cast<size_t>(bytes - copied);
+        const ssize_t n = ::copy_file_range(from, nullptr, to, nullptr, want, 0);
+        if (n < 0) {
+            const bool unsupported = errno == EXDEV || errno == EINVAL || errno == ENOSYS ||
+                                     errno == EOPNOTSUPP || errno == EBADF;
+            return copied == 0 && unsupported ? KernelCopy::kUnsupported : KernelCopy::kFailed;
+        }
+        if (n == 0) {
+            return KernelCopy::kShort;
+        }
+        copied += static_cast<unsigned long long>(n);
+    }
+    return KernelCopy::kDone;
 }
 
 bool volume_free_bytes(const std::string& native, unsigned long long& bytes)

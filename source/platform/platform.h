@@ -89,6 +89,13 @@ bool remove_directory(const std::string& native);
 bool copy_file_times(const std::string& like, const std::string& native);
 // chmod(2); 0 on success, -1 on failure.
 int change_mode(const std::string& native, int mode);
+// Copies `bytes` bytes from the current position of `in` to `out` inside
+// the kernel (copy_file_range, which may share the blocks on file systems
+// that allow it). kUnsupported: nothing was copied and the caller should
+// copy through memory; kShort: the source ended early; kFailed: an error.
+enum class KernelCopy { kDone, kUnsupported, kShort, kFailed };
+KernelCopy kernel_copy(FILE* in, FILE* out, unsigned long long bytes);
+
 // All free bytes of the volume that holds `native` (statvfs f_bfree *
 // f_frsize); false when it cannot be had.
 bool volume_free_bytes(const std::string& native, unsigned long long& bytes);
