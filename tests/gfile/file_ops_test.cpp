@@ -116,6 +116,16 @@ TEST(GfileOperations, CopyMoveEraseAppend)
     EXPECT_EQ(GuiErrno, 23);
     EXPECT_EQ(read_file(src).size(), 15u); // the source is never harmed
 
+    // With the debug mode on, a failure shows the banner and both texts.
+    const ChildResult banner = run_in_child([&] {
+        setenv("ZQTARVEX_DEBUG_MODE", "error", 1);
+        gfile_copy((dir.path() + "/none").c_str(), dst.c_str());
+    });
+    EXPECT_EQ(banner.err.rfind("\n? Error at line ", 0), 0u) << banner.err;
+    EXPECT_NE(banner.err.find(" of file source/gfile\nCannot find file : No such file or directory\n"),
+              std::string::npos)
+        << banner.err;
+
     const std::string moved = dir.path() + "/moved.bin";
     ASSERT_EQ(gfile_move(dst.c_str(), moved.c_str()), 1);
     EXPECT_FALSE(fs::exists(dir.path() + "/dst.bin"));
