@@ -37,6 +37,21 @@ bool create(void** array, long long slots, size_t bytes)
     return true;
 }
 
+// Makes the array on first use with `initial` slots (5 when zero or
+// negative); false when the allocation fails.
+bool ensure_created(void** array, long long* capacity, long long initial, size_t bytes)
+{
+    if (*array && *capacity != 0) {
+        return true;
+    }
+    const long long slots = initial > 0 ? initial : 5;
+    if (!create(array, slots, bytes)) {
+        return false;
+    }
+    *capacity = slots;
+    return true;
+}
+
 } // namespace
 
 extern "C" {
@@ -48,12 +63,8 @@ long long ZQ_alloc_array(void** array, long long* capacity, ZQ_slot_is_free_fn i
     if (!array || !capacity || !is_free) {
         return -1;
     }
-    if (!*array || *capacity == 0) {
-        const long long slots = initial > 0 ? initial : 5;
-        if (!create(array, slots, bytes)) {
-            return -1;
-        }
-        *capacity = slots;
+    if (!ensure_created(array, capacity, initial, bytes)) {
+        return -1;
     }
     long long i = 0;
     for (; i < *capacity; ++i) {
@@ -76,11 +87,9 @@ long long ZQ_alloc_array_sequentially(void** array, long long* next, long long* 
         return -1;
     }
     if (!*array || *capacity == 0) {
-        const long long slots = initial > 0 ? initial : 5;
-        if (!create(array, slots, bytes)) {
+        if (!ensure_created(array, capacity, initial, bytes)) {
             return -1;
         }
-        *capacity = slots;
         *next = 0;
     }
     const long long i = (*next)++;

@@ -17,18 +17,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-class ScopedCurrentDirectory {
-public:
-    explicit ScopedCurrentDirectory(const std::string& directory) : saved_(fs::current_path())
-    {
-        fs::current_path(directory);
-    }
-    ~ScopedCurrentDirectory() { fs::current_path(saved_); }
-
-private:
-    fs::path saved_;
-};
-
 TEST(GfileDirectories, MkdirWithParentsAndVariables)
 {
     TempDir dir;

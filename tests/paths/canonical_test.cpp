@@ -15,19 +15,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// Makes `directory` current for the life of the guard.
-class ScopedCurrentDirectory {
-public:
-    explicit ScopedCurrentDirectory(const std::string& directory) : saved_(fs::current_path())
-    {
-        fs::current_path(directory);
-    }
-    ~ScopedCurrentDirectory() { fs::current_path(saved_); }
-
-private:
-    fs::path saved_;
-};
-
 // The library form of a native absolute path.
 std::string library_form(std::string path)
 {

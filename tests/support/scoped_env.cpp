@@ -59,6 +59,18 @@ ScopedEnv::~ScopedEnv()
     }
 }
 
+ScopedCurrentDirectory::ScopedCurrentDirectory(const std::string& directory)
+    : saved_(fs::current_path().string())
+{
+    fs::current_path(directory);
+}
+
+ScopedCurrentDirectory::~ScopedCurrentDirectory()
+{
+    std::error_code ignored;
+    fs::current_path(saved_, ignored);
+}
+
 namespace {
 
 void write_store(const TempDir& dir, const std::string& folder, ScopedSettingsStore::Keys keys)

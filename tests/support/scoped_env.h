@@ -39,6 +39,18 @@ private:
     std::optional<std::string> saved_;
 };
 
+// Makes `directory` the current directory for the life of the guard.
+class ScopedCurrentDirectory {
+public:
+    explicit ScopedCurrentDirectory(const std::string& directory);
+    ~ScopedCurrentDirectory();
+    ScopedCurrentDirectory(const ScopedCurrentDirectory&) = delete;
+    ScopedCurrentDirectory& operator=(const ScopedCurrentDirectory&) = delete;
+
+private:
+    std::string saved_;
+};
+
 // Points XDG_CONFIG_HOME and XDG_CONFIG_DIRS at fresh temporary folders
 // and writes the given [General] keys into the user and system stores.
 class ScopedSettingsStore {
