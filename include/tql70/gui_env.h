@@ -107,22 +107,48 @@ TQL70_API int gui_env_apply_error(int code, const char* config_name, const char*
 
 /* ---- the default environment and open environments ---- */
 
-/* Makes the default environment if there is none. 1 on success, 0 when the
- * handle cannot be allocated. */
+/* Makes the default environment from the "zqtarvex" files if there is
+ * none: the site file (root "\config\zqtarvex.cfg") and its add-on files,
+ * the custom file, the home file and the local file "zqtarvex.cfg". 1 on
+ * success, 0 when the handle cannot be allocated. */
 TQL70_API int gui_env_init(void);
 
-/* A new environment for the configuration `name`, appended to the open
- * environments (the default one is made first if there is none). Null
- * when name is null or empty or memory is short. */
+/* A new environment for the configuration `name` (all levels for level 0,
+ * one level's file for 1 to 4, the file `name` itself for 5, nothing for
+ * other levels), appended to the open environments; the default one is
+ * made first if there is none. Null when name is null or empty or memory
+ * is short. */
 TQL70_API GuiEnv gui_env_open(const char* name, int level);
 
-/* Takes `env` out of the open environments and frees it. 1 when every
- * level was written back or nothing needed writing; a null env gives 1. */
+/* With `save`, writes the changed levels back (site, custom, home, local);
+ * then takes `env` out of the open environments and frees it. 1 when every
+ * level was written back or nothing needed writing; a null env gives 1.
+ * Closing the default environment makes the next default-environment call
+ * build a new one. A level is rewritten through a temporary file beside it
+ * that replaces it in one step: a failed write leaves the file as it was
+ * and tells the error callback (GUI_ENV_ERR_WRITE). */
 TQL70_API int gui_env_close(GuiEnv env, int save);
 
 /* Closes every open environment, the default one last. 1 when all closes
  * succeeded. The next default-environment call makes a new default. */
 TQL70_API int gui_env_deinit(int save);
+
+/* The installation root used for the site and custom files instead of
+ * ZQTARVEX_DIR; null or "" clears it. The getter gives null when unset. */
+TQL70_API void guienv_set_root_directory(const char* path);
+TQL70_API const char* guienv_get_root_directory(void);
+
+/* Writes back (with `save`) and frees the local level of every open
+ * environment, enters `directory` (one pair of double quotes removed, a
+ * trailing ':' given a '\\', "/tmp_mnt" dropped when entering fails), and
+ * reads each local level again from its file there. 0, or -1 when the
+ * directory cannot be entered or a write failed. */
+TQL70_API int gui_chdir(const char* directory, int save);
+
+/* Kept for callers that expect them: 1, and two calls that do nothing. */
+TQL70_API int gui_env_getrlimit(void);
+TQL70_API void gui_env_setrlimit(void);
+TQL70_API void gui_env_setrlimit_max(void);
 
 /* gui_env_get, gui_env_get_and_expand, gui_env_put and gui_env_rm on the
  * default environment, made first if there is none. */

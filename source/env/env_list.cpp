@@ -5,12 +5,19 @@
 #include <tql70/gmem.h>
 
 #include <new>
+#include <string>
+
+#include "platform/platform.h"
 
 namespace tql::env {
 
 namespace {
 
 GuiEnv first_environment = nullptr;
+// The default environment: the one gui_env_init made, or none. Closing it
+// forgets it, so the next default-environment call makes a new one and
+// never reaches a freed handle.
+GuiEnv default_env = nullptr;
 
 } // namespace
 
@@ -57,6 +64,9 @@ void append_environment(GuiEnv env)
 
 void remove_environment(GuiEnv env)
 {
+    if (env == default_env) {
+        default_env = nullptr;
+    }
     for (GuiEnv* link = &first_environment; *link; link = &(*link)->next) {
         if (*link == env) {
             *link = env->next;
@@ -68,10 +78,10 @@ void remove_environment(GuiEnv env)
 
 GuiEnv default_environment()
 {
-    if (!first_environment && !gui_env_init()) {
+    if (!default_env && !gui_env_init()) {
         return nullptr;
     }
-    return first_environment;
+    return default_env;
 }
 
 } // namespace tql::env
@@ -80,44 +90,51 @@ using namespace tql::env;
 
 extern "C" {
 
-// The environment holds variables put by the application; reading the
-// configuration files into its levels belongs to the configuration-file
-// module and is not done here yet.
 int gui_env_init(void)
 {
-    if (first_environment) {
+    if (default_env) {
         return 1;
     }
     GuiEnv env = new_environment();
     if (!env) {
         return 0;
     }
-    append_environment(env);
+    // The default environment heads the list of open environments.
+    env->next = first_environment;
+    first_environment = env;
+    default_env = env;
+    load_environment(env, kDefaultConfiguration, GUI_ENV_ANY);
     return 1;
 }
 
 GuiEnv gui_env_open(const char* name, int level)
 {
-    (void)level;
     if (!name || !*name || !default_environment()) {
         return nullptr;
     }
     GuiEnv env = new_environment();
-    if (env) {
-        append_environment(env);
+    if (!env) {
+        return nullptr;
     }
+    append_environment(env);
+    load_environment(env, name, level);
     return env;
 }
 
 int gui_env_close(GuiEnv env, int save)
 {
-    (void)save;
     if (!env) {
         return 1;
     }
+    bool all_written = true;
+    for (int level = GUI_ENV_SITE; level >= GUI_ENV_LOCAL; --level) {
+        if (save && !write_level(env, level)) {
+            all_written = false;
+        }
+    }
     remove_environment(env);
     free_environment(env);
-    return 1;
+    return all_written ? 1 : 0;
 }
 
 int gui_env_deinit(int save)
@@ -131,6 +148,55 @@ int gui_env_deinit(int save)
         all_closed &= gui_env_close(last, save);
     }
     return all_closed;
+}
+
+int gui_chdir(const char* directory, int save)
+{
+    if (!directory) {
+        return -1;
+    }
+    int result = 0;
+    for (GuiEnv env = first_environment; env; env = env->next) {
+        if (save && !write_level(env, GUI_ENV_LOCAL)) {
+            result = -1;
+        }
+        free_level(env->levels[storage_index(GUI_ENV_LOCAL)]);
+    }
+    std::string target = directory;
+    if (!target.empty() && target[0] == '"') {
+        target.erase(0, 1);
+        if (directory[1] != '\0' && !target.empty() && target.back() == '"') {
+            target.pop_back();
+        }
+    }
+    if (!target.empty() && target.back() == ':') {
+        target += '\\';
+    }
+    if (!change_directory(target.c_str()) &&
+        !(target.compare(0, 8, "/tmp_mnt") == 0 && change_directory(target.c_str() + 8))) {
+        return -1;
+    }
+    for (GuiEnv env = first_environment; env; env = env->next) {
+        GuiEnvLevel& local = env->levels[storage_index(GUI_ENV_LOCAL)];
+        if (local.file_name[0]) {
+            const std::string file = local.file_name;
+            read_config_file(env, file, GUI_ENV_LOCAL, false, false);
+        }
+    }
+    return result;
+}
+
+int gui_env_getrlimit(void)
+{
+    return 1;
+}
+
+void gui_env_setrlimit(void)
+{
+}
+
+void gui_env_setrlimit_max(void)
+{
 }
 
 int gui_env_get_ee(const char* name, char* buffer, void** user, int size, int level)

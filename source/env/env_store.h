@@ -11,6 +11,8 @@
 #include <cstdarg>
 #include <cstddef>
 #include <cstdint>
+#include <string>
+#include <vector>
 
 // One variable. A slot whose name is empty is free.
 struct GuiEnvEntry {
@@ -70,6 +72,28 @@ void remove_environment(GuiEnv env);
 // The default environment, made (gui_env_init) when there is none; null
 // when it cannot be made.
 GuiEnv default_environment();
+
+// ---- configuration files ----
+
+// The default configuration name.
+constexpr const char* kDefaultConfiguration = "zqtarvex";
+
+// The file of `level` (1 local ... 4 site, 5 explicit) for configuration
+// `name`, built with '\' separators.
+std::string level_file(int level, const char* name);
+// The add-on files of configuration `name` (sorted by name).
+std::vector<std::string> addon_files(const char* name);
+// Reads the custom-directory setting once per process.
+void read_custom_directory_once();
+
+// Fills a new environment from the files of `name`: site, add-ons, custom,
+// home, local. With a level 1 to 5 only that level's file is read.
+void load_environment(GuiEnv env, const char* name, int level);
+// Reads one file into `level` (1..4); includes are followed.
+void read_config_file(GuiEnv env, const std::string& path, int level, bool included, bool addon);
+// Writes a level back to its file; true when nothing needed writing or the
+// write succeeded.
+bool write_level(GuiEnv env, int level);
 
 // gui_env_expand_str with the further environments still in `args`
 // (null-terminated, read only when env is not null).

@@ -96,6 +96,19 @@ int change_mode(const std::string& native, int mode);
 enum class KernelCopy { kDone, kUnsupported, kShort, kFailed };
 KernelCopy kernel_copy(FILE* in, FILE* out, unsigned long long bytes);
 
+// A name for a new temporary file in the directory of the library-form
+// `name` (symbolic links to the file resolved), native.
+std::string temporary_name_beside(const char* name);
+// fopen of a native name.
+FILE* fopen_native(const std::string& native, const char* mode);
+// Replaces the library-form `target` (through symbolic links) by the native
+// file `replacement` in one step (rename(2)), giving the
+// replacement the permission bits of `target`; false when it cannot (the
+// target is then untouched).
+bool replace_file(const std::string& replacement, const char* target);
+// Writes everything buffered for `file` to its disk (fflush + fsync).
+bool flush_to_disk(FILE* file);
+
 // All free bytes of the volume that holds `native` (statvfs f_bfree *
 // f_frsize); false when it cannot be had.
 bool volume_free_bytes(const std::string& native, unsigned long long& bytes);

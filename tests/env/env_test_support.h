@@ -1,5 +1,7 @@
-// Shared fixture of the environment tests: a private settings store, no
-// error callback, and no open environments before or after each test.
+// Shared fixture of the environment tests: a private settings store, home,
+// installation root and current directory (all in one temporary folder, so
+// the default environment reads no file of the machine), no error
+// callback, and no open environments before or after each test.
 #ifndef TQL70_TESTS_ENV_ENV_TEST_SUPPORT_H
 #define TQL70_TESTS_ENV_ENV_TEST_SUPPORT_H
 
@@ -27,8 +29,10 @@ protected:
         gui_env_deinit(0);
     }
 
-    // An environment of its own (closed by the fixture's deinit).
-    GuiEnv open_env() { return gui_env_open("test", GUI_ENV_ANY); }
+    // An empty environment of its own, read from no file (closed by the
+    // fixture's deinit).
+    GuiEnv open_env() { return gui_env_open("test", kNoFiles); }
+    static constexpr int kNoFiles = 99;
 
     // The value of `name` at `level`, or "<-1>" / "<size N>".
     static std::string get(GuiEnv env, const char* name, int level = GUI_ENV_ANY)
@@ -42,6 +46,10 @@ protected:
     }
 
     ScopedSettingsStore store_{{}};
+    TempDir sandbox_;
+    ScopedEnv home_{"HOME", sandbox_.path() + "/home"};
+    ScopedEnv root_{"ZQTARVEX_DIR", sandbox_.path() + "/root"};
+    ScopedCurrentDirectory cwd_{sandbox_.path()};
 };
 
 // An error callback that records its calls and answers from a table.

@@ -109,8 +109,8 @@ TEST_F(Expand, FailuresAndSizes)
 TEST_F(Expand, LookupOrderAndCallback)
 {
     GuiEnv env = open_env();
-    GuiEnv first = gui_env_open("first", GUI_ENV_ANY);
-    GuiEnv second = gui_env_open("second", GUI_ENV_ANY);
+    GuiEnv first = gui_env_open("first", kNoFiles);
+    GuiEnv second = gui_env_open("second", kNoFiles);
     gui_env_put(second, "X", "second", GUI_ENV_LOCAL);
     gui_env_put(first, "X", "first", GUI_ENV_LOCAL);
     gui_env_put_ee("X", "default", GUI_ENV_LOCAL);
@@ -162,7 +162,7 @@ TEST_F(Expand, VariablesReferringToEachOtherNeverFinish)
 {
     const ChildResult child = run_in_child(
         [] {
-            GuiEnv env = gui_env_open("cycle", GUI_ENV_ANY);
+            GuiEnv env = gui_env_open("cycle", 99);
             gui_env_put(env, "A", "%B", GUI_ENV_LOCAL);
             gui_env_put(env, "B", "%A", GUI_ENV_LOCAL);
             char out[64];
@@ -181,7 +181,7 @@ TEST_F(Expand, BufferThatCannotGrowEndsTheProcess)
     GTEST_SKIP() << "address-space limits do not work with sanitizers";
 #else
     const ChildResult child = run_in_child([] {
-        GuiEnv env = gui_env_open("big", GUI_ENV_ANY);
+        GuiEnv env = gui_env_open("big", 99);
         const std::string big(64u << 20, 'b');
         gui_env_put(env, "BIG", big.c_str(), GUI_ENV_LOCAL);
         rlimit limit{};

@@ -77,7 +77,7 @@ TEST_F(PathList, SmallDestinationDeliversTheSameElementAgain)
 TEST_F(PathList, ExpandedElements)
 {
     GuiEnv env = open_env();
-    GuiEnv extra = gui_env_open("extra", GUI_ENV_ANY);
+    GuiEnv extra = gui_env_open("extra", kNoFiles);
     gui_env_put(env, "LIB", "\\opt\\lib", GUI_ENV_LOCAL);
     gui_env_put(extra, "MORE", "\\more", GUI_ENV_LOCAL);
     ScopedEnv var("TQL_BIN", std::string("/usr/bin"));

@@ -77,6 +77,9 @@ TEST(TqlTool, ErrorsListsEveryCode)
 TEST(TqlTool, ExpandAndPathForms)
 {
     tql_test::ScopedSettingsStore store({});
+    tql_test::TempDir sandbox;
+    tql_test::ScopedEnv home("HOME", sandbox.path());
+    tql_test::ScopedEnv root("ZQTARVEX_DIR", sandbox.path());
     tql_test::ScopedEnv dir("TQL_TOOL_DIR", std::string("/opt/zq"));
     tql_test::ScopedEnv unset("TQL_TOOL_UNSET", std::nullopt);
     EXPECT_EQ(tql("expand '$TQL_TOOL_DIR/bin:'").out, "/opt/zq/bin\n");
