@@ -1,0 +1,176 @@
+// Configuration files: where each level's file is, the line format,
+// includes, add-ons, precedence, write-back and its data safety, and the
+// reload after a change of directory. Every file lives in the fixture's
+// temporary folder (HOME, ZQTARVEX_DIR and the current directory).
+#include "env/env_test_support.h"
+
+#include "support/child_process.h"
+
+#include "env/env_store.h"
+
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <sys/resource.h>
+#include <unistd.h>
+
+namespace tql_test {
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string read_file(const std::string& path)
+{
+    std::ifstream in(path, std::ios::binary);
+    std::stringstream text;
+    text << in.rdbuf();
+    return text.str();
+}
+
+class ConfigFiles : public EnvTest {
+protected:
+    std::string root() const { return sandbox_.path() + "/root"; }
+    std::string home() const { return sandbox_.path() + "/home"; }
+    std::string write(const std::string& relative, const std::string& text)
+    {
+        return sandbox_.write_file(relative, text);
+    }
+    std::string ee(const char* name, int level = GUI_ENV_ANY)
+    {
+        char buffer[8192];
+        const int r = gui_env_get_ee(name, buffer, nullptr, sizeof buffer, level);
+        return r == 0 ? std::string(buffer) : "<" + std::to_string(r) + ">";
+    }
+};
+
+TEST_F(ConfigFiles, LevelsLineFormatAndPrecedence)
+{
+    write("root/config/zqtarvex.cfg",
+          "# site\nSHARED=site\nONLY_SITE=s\n  A = 1\nB  =  2  \n// C=3\nno equals here\nx\n");
+    write("root/custom/config/zqtarvex.cfg", "SHARED=custom\n");
+    write("home/zqtarvex/config/zqtarvex.cfg", "SHARED=home\n");
+    write("zqtarvex.cfg", "shared=local\nLONG=" + std::string(5000, 'l')); // no final line feed
+    EXPECT_EQ(ee("SHARED"), "local");
+    EXPECT_EQ(ee("SHARED", GUI_ENV_SITE), "site");
+    EXPECT_EQ(ee("SHARED", GUI_ENV_CUSTOM), "custom");
+    EXPECT_EQ(ee("SHARED", GUI_ENV_HOME), "home");
+    EXPECT_EQ(ee("ONLY_SITE"), "s");
+    EXPECT_EQ(ee("  A"), "1"); // leading blanks belong to the name
+    EXPECT_EQ(ee("A"), "<-1>");
+    EXPECT_EQ(ee("B"), "2");
+    EXPECT_EQ(ee("// C"), "<-1>");
+    EXPECT_EQ(ee("LONG"), std::string(5000, 'l'));
+
+    // gui_env_open of one level reads only that file.
+    GuiEnv site_only = gui_env_open("zqtarvex", GUI_ENV_SITE);
+    EXPECT_EQ(get(site_only, "SHARED"), "site");
+    GuiEnv explicit_file = gui_env_open((sandbox_.path() + "/root/custom/config/zqtarvex.cfg").c_str(), GUI_ENV_FILE);
+    EXPECT_EQ(get(explicit_file, "SHARED", GUI_ENV_LOCAL), "custom");
+}
+
+TEST_F(ConfigFiles, IncludesAndAddons)
+{
+    write("common.cfg", "FROM_COMMON=yes\n");
+    write("zqtarvex.cfg", "+common   # a comment\n+!ignored\nOWN=1\n+missing\n");
+    write("root/config/zqtarvex.cfg", "+\\" + root().substr(1) + "/config/base.cfg\n");
+    write("root/config/base.cfg", "BASE=b\n");
+    write("root/config/addons_cfgs/zqtarvex/10-tool.cfg", "TOOL_DIR=%BASE\\tool\n");
+    write("root/config/addons_cfgs/zqtarvex/.hidden.cfg", "HIDDEN=1\n");
+
+    CallbackLog log;
+    g_callback_log = &log;
+    gui_env_set_error(recording_callback);
+    EXPECT_EQ(ee("FROM_COMMON"), "yes");
+    EXPECT_EQ(ee("BASE"), "b");
+    EXPECT_EQ(ee("TOOL_DIR"), "b\\tool"); // add-on values are expanded
+    EXPECT_EQ(ee("HIDDEN"), "<-1>");
+    ASSERT_FALSE(log.calls.empty());
+    EXPECT_EQ(log.calls[0].code, GUI_ENV_ERR_NO_FILE);
+    EXPECT_EQ(log.calls[0].name, "missing.cfg");
+    gui_env_set_error(nullptr);
+    g_callback_log = nullptr;
+}
+
+TEST_F(ConfigFiles, WriteBackKeepsCommentsAndIncludes)
+{
+    const std::string local = write("zqtarvex.cfg", "# comment\n+common\nx=1\nkeep = v  \n//c=d\n");
+    write("common.cfg", "INC=i\n");
+    EXPECT_EQ(gui_env_rm_ee("X", GUI_ENV_LOCAL), 1);
+    EXPECT_EQ(gui_env_put_ee("y", "value", GUI_ENV_LOCAL), 1);
+    EXPECT_EQ(gui_env_put_ee("INC", "changed", GUI_ENV_LOCAL), 1); // from an include: never written
+    EXPECT_EQ(gui_env_deinit(1), 1);
+    EXPECT_EQ(read_file(local), "# comment\n+common\nKEEP=v\n//C=d\n\nY=value\n");
+    EXPECT_EQ(read_file(sandbox_.path() + "/common.cfg"), "INC=i\n");
+
+    // A new home file is created with its directories.
+    fs::create_directories(home());
+    EXPECT_EQ(gui_env_put_ee("H", "1", GUI_ENV_HOME), 1);
+    EXPECT_EQ(gui_env_deinit(1), 1);
+    EXPECT_EQ(read_file(home() + "/zqtarvex/config/zqtarvex.cfg"), "H=1\n");
+}
+
+TEST_F(ConfigFiles, FailedWriteLeavesTheFileIntact)
+{
+    const std::string local = write("zqtarvex.cfg", "A=old\n");
+    // A file-size limit makes every write beyond 4 bytes fail, whoever runs
+    // the test (permissions do not stop the root user).
+    const ChildResult child = run_in_child([] {
+        std::signal(SIGXFSZ, SIG_IGN);
+        CallbackLog log;
+        g_callback_log = &log;
+        gui_env_set_error(recording_callback);
+        gui_env_put_ee("A", "a new value longer than the limit", GUI_ENV_LOCAL);
+        rlimit limit{4, 4};
+        setrlimit(RLIMIT_FSIZE, &limit);
+        const int closed = gui_env_deinit(1);
+        std::printf("%d %zu %d", closed, log.calls.size(), log.calls.empty() ? 0 : log.calls[0].code);
+    });
+    EXPECT_EQ(child.out, "0 1 5");
+    EXPECT_EQ(read_file(local), "A=old\n");
+    for (const auto& entry : fs::directory_iterator(sandbox_.path())) {
+        EXPECT_EQ(entry.path().filename().string().rfind(".tql70-", 0), std::string::npos) << "temporary left";
+    }
+    if (geteuid() != 0) {
+        fs::permissions(local, fs::perms::owner_read);
+        fs::permissions(sandbox_.path(), fs::perms::owner_read | fs::perms::owner_exec);
+        gui_env_put_ee("A", "new", GUI_ENV_LOCAL);
+        EXPECT_EQ(gui_env_deinit(1), 0);
+        fs::permissions(sandbox_.path(), fs::perms::owner_all);
+        EXPECT_EQ(read_file(local), "A=old\n");
+    }
+}
+
+TEST_F(ConfigFiles, ChangeOfDirectoryReloadsTheLocalLevel)
+{
+    write("zqtarvex.cfg", "WHERE=top\n");
+    write("sub/zqtarvex.cfg", "WHERE=sub\n");
+    EXPECT_EQ(ee("WHERE"), "top");
+    EXPECT_EQ(gui_chdir("\"sub\"", 0), 0);
+    EXPECT_EQ(ee("WHERE"), "sub");
+    EXPECT_EQ(gui_chdir("C:", 0), 0); // the root of the drive: "/"
+    EXPECT_EQ(fs::current_path(), fs::path("/"));
+    EXPECT_EQ(gui_chdir((sandbox_.path() + "/none").c_str(), 0), -1);
+    EXPECT_EQ(gui_env_getrlimit(), 1);
+}
+
+TEST_F(ConfigFiles, ClosingTheDefaultEnvironmentIsSafe)
+{
+    write("zqtarvex.cfg", "V=1\n");
+    ASSERT_EQ(gui_env_init(), 1);
+    GuiEnv other = gui_env_open("other", kNoFiles);
+    gui_env_put(other, "MINE", "m", GUI_ENV_LOCAL);
+    EXPECT_EQ(gui_env_put_ee("ONLY_HERE", "x", GUI_ENV_LOCAL), 1);
+    // Close the default environment (it heads the list) while another
+    // stays open: the next call makes a new default from the files.
+    GuiEnv first = tql::env::open_environments();
+    ASSERT_NE(first, other);
+    EXPECT_EQ(gui_env_close(first, 0), 1);
+    EXPECT_EQ(ee("ONLY_HERE"), "<-1>");
+    EXPECT_EQ(ee("V"), "1");
+    EXPECT_EQ(get(other, "MINE"), "m");
+    EXPECT_EQ(tql::env::open_environments() != other, true); // the new default heads the list again
+}
+
+} // namespace
+} // namespace tql_test
