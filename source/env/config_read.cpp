@@ -7,6 +7,7 @@
 #include <cctype>
 #include <cstdio>
 #include <cstring>
+#include <set>
 #include <string>
 
 namespace {
@@ -102,7 +103,8 @@ void handle_include(GuiEnv env, const std::string& rest, int level)
     }
 }
 
-void handle_variable(GuiEnv env, const std::string& line, size_t equals, int level, bool included, bool addon)
+void handle_variable(GuiEnv env, const std::string& path, const std::string& line, size_t equals, int level,
+                     bool included, bool addon)
 {
     std::string name = line.substr(0, equals);
     trim_trailing(name);
@@ -111,12 +113,24 @@ void handle_variable(GuiEnv env, const std::string& line, size_t equals, int lev
         bool expanded = false;
         value = expand_in(env, value, expanded);
     }
-    gui_env_put_modnew(env, name.c_str(), value.c_str(), level, included ? ENV_INCLUDED : ENV_CLEAN);
+    if (gui_env_put_modnew(env, name.c_str(), value.c_str(), level, included ? ENV_INCLUDED : ENV_CLEAN)) {
+        char normalized[GUI_ENV_NAME_MAX + 1];
+        tql::env::normalize_name(name.c_str(), normalized);
+        if (GuiEnvEntry* entry = tql::env::find_entry(env, normalized, level, false)) {
+            entry->source = tql::env::remembered_file_name(path);
+        }
+    }
 }
 
 } // namespace
 
 namespace tql::env {
+
+const char* remembered_file_name(const std::string& path)
+{
+    static std::set<std::string>* names = new std::set<std::string>;
+    return names->insert(path).first->c_str();
+}
 
 void read_config_file(GuiEnv env, const std::string& path, int level, bool included, bool addon)
 {
@@ -149,7 +163,7 @@ void read_config_file(GuiEnv env, const std::string& path, int level, bool inclu
         }
         const size_t equals = line.find('=');
         if (equals != std::string::npos) {
-            handle_variable(env, line, equals, level, included, addon);
+            handle_variable(env, opened, line, equals, level, included, addon);
         }
     }
     std::fclose(file);

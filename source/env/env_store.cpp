@@ -162,6 +162,7 @@ int gui_env_put_modnew(GuiEnv env, const char* name, const char* value, int leve
         }
         gmem_ee_free(entry->value);
         entry->value = copy;
+        entry->source = nullptr; // no longer the value its file gave
         return 1;
     }
     if (!value) {

@@ -20,6 +20,7 @@ struct GuiEnvEntry {
     char* value;                     // owned (gmem), may be null
     void* user;                      // caller's pointer, never freed
     int32_t state;                   // ENV_CLEAN, ENV_MODIFIED, ENV_DELETED, ENV_INCLUDED
+    const char* source;              // the file the value was read from, or null
 };
 
 // One level: the file it was last loaded from (and is written back to) and
@@ -85,6 +86,9 @@ std::string level_file(int level, const char* name);
 std::vector<std::string> addon_files(const char* name);
 // Reads the custom-directory setting once per process.
 void read_custom_directory_once();
+
+// A process-wide copy of a file name, for GuiEnvEntry::source (never freed).
+const char* remembered_file_name(const std::string& path);
 
 // Fills a new environment from the files of `name`: site, add-ons, custom,
 // home, local. With a level 1 to 5 only that level's file is read.

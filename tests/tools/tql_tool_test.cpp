@@ -120,6 +120,39 @@ TEST(TqlTool, FileCommands)
     EXPECT_EQ(tql("rm " + dir.path() + "/one.txt").status, 1);
 }
 
+TEST(TqlTool, EnvironmentCommands)
+{
+    tql_test::TempDir dir;
+    tql_test::ScopedSettingsStore store({});
+    tql_test::ScopedEnv home("HOME", dir.path() + "/home");
+    tql_test::ScopedEnv root("ZQTARVEX_DIR", dir.path() + "/root");
+    tql_test::ScopedEnv custom("KPS_CUSTOM_DIR", std::nullopt);
+    tql_test::ScopedCurrentDirectory cwd(dir.path());
+    dir.write_file("root/config/zqtarvex.cfg", "EDITOR=vi\nDIR=%EDITOR.d\n");
+    dir.write_file("zqtarvex.cfg", "EDITOR=nano\n");
+
+    const ToolRun all = tql("env");
+    EXPECT_EQ(all.status, 0);
+    EXPECT_NE(all.out.find("EDITOR=nano\n    from local level, zqtarvex.cfg\n    shadows site level, " + dir.path() +
+                           "/root/config/zqtarvex.cfg (vi)\n"),
+              std::string::npos)
+        << all.out;
+    EXPECT_NE(all.out.find("DIR=%EDITOR.d\n    expands to: nano.d\n"), std::string::npos) << all.out;
+    EXPECT_EQ(tql("env get editor --level site").out, "vi\n");
+    EXPECT_EQ(tql("env NOPE", true).status, 1);
+
+    EXPECT_EQ(tql("env set NEW value --level local --save").status, 0);
+    EXPECT_EQ(tql("env rm EDITOR --level local --save").status, 0);
+    EXPECT_EQ(tql("env get EDITOR").out, "vi\n");
+    EXPECT_EQ(tql("env get NEW").out, "value\n");
+
+    const ToolRun files = tql("env files");
+    EXPECT_NE(files.out.find("site    exists  " + dir.path() + "/root/config/zqtarvex.cfg"), std::string::npos);
+    EXPECT_NE(files.out.find("home    missing " + dir.path() + "/home/zqtarvex/config/zqtarvex.cfg"),
+              std::string::npos);
+    EXPECT_EQ(tql("env set A --level nowhere", true).status, 2);
+}
+
 TEST(TqlTool, BadArgumentsAreUsageErrors)
 {
     struct Case {

@@ -188,6 +188,11 @@ int run_df(const Args& args)
 const std::vector<Command>& commands()
 {
     static const std::vector<Command> all = {
+        {"env", "tql env [NAME]",
+         "list the variables of the default environment (or one) with their value, expansion,\n"
+         "                       level and file; also: tql env get|set|rm NAME [VALUE]\n"
+         "                       [--level site|custom|home|local] [--save], tql env files",
+         run_env},
         {"version", "tql version", "print the library version text", run_version},
         {"getenv", "tql getenv NAME",
          "print a process variable, or the settings-store value when the process has none;\n"

@@ -20,6 +20,9 @@ struct Command {
 // Every subcommand, in the order --help lists them.
 const std::vector<Command>& commands();
 
+// tql env (env_commands.cpp).
+int run_env(const Args& args);
+
 // Prints "tql: MESSAGE" and the command's usage to stderr; returns 2.
 int usage_error(const Command& command, const std::string& message);
 

@@ -1,0 +1,228 @@
+// tql env: the variables of the default environment with their provenance,
+// changing them, and the configuration files of each level.
+#include "commands.h"
+
+#include <tql70/tql70.h>
+
+#include "env/env_store.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <map>
+#include <string>
+#include <vector>
+
+namespace tql_tool {
+
+namespace {
+
+struct LevelInfo {
+    int number;
+    const char* label;
+};
+// In precedence order: the first level that defines a name wins.
+const LevelInfo kLevels[] = {
+    {GUI_ENV_LOCAL, "local"}, {GUI_ENV_HOME, "home"}, {GUI_ENV_CUSTOM, "custom"}, {GUI_ENV_SITE, "site"}};
+
+const Command& env_command()
+{
+    for (const Command& command : commands()) {
+        if (std::string(command.name) == "env") {
+            return command;
+        }
+    }
+    std::abort();
+}
+
+int report_failure(int code, const char*, const char* name, char**)
+{
+    if (code == GUI_ENV_ERR_WRITE) {
+        std::fprintf(stderr, "tql: cannot write %s\n", name);
+    } else if (code == GUI_ENV_ERR_NO_FILE) {
+        std::fprintf(stderr, "tql: warning: included file %s not found\n", name);
+    }
+    return 0;
+}
+
+std::string native(const std::string& path)
+{
+    std::string out(path.size() + 1, '\0');
+    tql_native_path(path.c_str(), &out[0]);
+    return out.c_str();
+}
+
+std::string expanded(GuiEnv env, const char* value)
+{
+    std::vector<char> out(4096);
+    int result;
+    while ((result = gui_env_expand_str(out.data(), value, static_cast<int>(out.size()), env,
+                                        static_cast<GuiEnv>(nullptr))) > 0) {
+        out.resize(static_cast<size_t>(result));
+    }
+    return result == 0 ? std::string(out.data()) : std::string();
+}
+
+struct Definition {
+    const char* label;
+    const GuiEnvEntry* entry;
+    const GuiEnvLevel* level;
+};
+
+// Every live definition of every name, in precedence order per name.
+std::map<std::string, std::vector<Definition>> definitions(GuiEnv env)
+{
+    std::map<std::string, std::vector<Definition>> all;
+    for (const LevelInfo& info : kLevels) {
+        const GuiEnvLevel& level = env->levels[tql::env::storage_index(info.number)];
+        for (int slot = 0; slot < level.capacity; ++slot) {
+            const GuiEnvEntry& entry = level.entries[slot];
+            if (entry.name[0] && entry.state != ENV_DELETED) {
+                all[entry.name].push_back({info.label, &entry, &level});
+            }
+        }
+    }
+    return all;
+}
+
+void print_definitions(GuiEnv env, const std::string& name, const std::vector<Definition>& list)
+{
+    const Definition& winner = list.front();
+    const char* value = winner.entry->value ? winner.entry->value : "";
+    std::printf("%s=%s\n", name.c_str(), value);
+    const std::string expansion = expanded(env, value);
+    if (expansion != value) {
+        std::printf("    expands to: %s\n", expansion.c_str());
+    }
+    for (size_t i = 0; i < list.size(); ++i) {
+        const Definition& d = list[i];
+        const char* from = d.entry->source ? d.entry->source : nullptr;
+        std::printf("    %s %s level, %s%s\n", i == 0 ? "from" : "shadows", d.label,
+                    from ? native(from).c_str() : "set by the program",
+                    i == 0 ? "" : (std::string(" (") + (d.entry->value ? d.entry->value : "") + ")").c_str());
+    }
+}
+
+int list_variables(const Args& args)
+{
+    GuiEnv env = tql::env::default_environment();
+    const auto all = definitions(env);
+    if (args.size() == 1) {
+        char normalized[GUI_ENV_NAME_MAX + 1];
+        tql::env::normalize_name(args[0].c_str(), normalized);
+        const auto found = all.find(normalized);
+        if (found == all.end()) {
+            std::fprintf(stderr, "tql: %s is not defined\n", args[0].c_str());
+            return 1;
+        }
+        print_definitions(env, found->first, found->second);
+        return 0;
+    }
+    for (const auto& [name, list] : all) {
+        print_definitions(env, name, list);
+    }
+    return 0;
+}
+
+int list_files()
+{
+    tql::env::default_environment();
+    const char* name = tql::env::kDefaultConfiguration;
+    const struct {
+        const char* label;
+        std::string file;
+    } files[] = {{"site", tql::env::level_file(GUI_ENV_SITE, name)},
+                 {"custom", tql::env::level_file(GUI_ENV_CUSTOM, name)},
+                 {"home", tql::env::level_file(GUI_ENV_HOME, name)},
+                 {"local", tql::env::level_file(GUI_ENV_LOCAL, name)}};
+    for (const auto& f : files) {
+        std::printf("%-7s %s %s\n", f.label, gfile_exists(f.file.c_str()) ? "exists " : "missing",
+                    native(f.file).c_str());
+    }
+    for (const std::string& addon : tql::env::addon_files(name)) {
+        std::printf("%-7s %s %s\n", "add-on", "exists ", native(addon).c_str());
+    }
+    return 0;
+}
+
+// Takes "--level L" and "--save" out of `args`; false on a bad level.
+bool take_options(Args& args, int& level, bool& save)
+{
+    level = GUI_ENV_ANY;
+    save = false;
+    for (size_t i = 0; i < args.size();) {
+        if (args[i] == "--save") {
+            save = true;
+            args.erase(args.begin() + static_cast<long>(i));
+        } else if (args[i] == "--level" && i + 1 < args.size()) {
+            const auto match = std::find_if(std::begin(kLevels), std::end(kLevels),
+                                            [&](const LevelInfo& info) { return args[i + 1] == info.label; });
+            if (match == std::end(kLevels)) {
+                return false;
+            }
+            level = match->number;
+            args.erase(args.begin() + static_cast<long>(i), args.begin() + static_cast<long>(i) + 2);
+        } else {
+            ++i;
+        }
+    }
+    return true;
+}
+
+int finish(bool save)
+{
+    return gui_env_deinit(save ? 1 : 0) ? 0 : 1;
+}
+
+} // namespace
+
+int run_env(const Args& given)
+{
+    gui_env_set_error(report_failure);
+    Args args = given;
+    int level;
+    bool save;
+    if (!take_options(args, level, save)) {
+        return usage_error(env_command(), "--level takes site, custom, home or local");
+    }
+    const std::string verb = args.empty() ? "" : args[0];
+    if (verb == "files" && args.size() == 1) {
+        return list_files();
+    }
+    if (verb == "get" && args.size() == 2) {
+        std::vector<char> buffer(4096);
+        int result;
+        while ((result = gui_env_get_ee(args[1].c_str(), buffer.data(), nullptr, static_cast<int>(buffer.size()),
+                                        level)) > 0) {
+            buffer.resize(static_cast<size_t>(result));
+        }
+        if (result < 0) {
+            std::fprintf(stderr, "tql: %s is not defined\n", args[1].c_str());
+            return 1;
+        }
+        std::printf("%s\n", buffer.data());
+        return 0;
+    }
+    if (verb == "set" && args.size() == 3) {
+        if (!gui_env_put_ee(args[1].c_str(), args[2].c_str(), level)) {
+            std::fprintf(stderr, "tql: cannot set %s\n", args[1].c_str());
+            return 1;
+        }
+        return finish(save);
+    }
+    if (verb == "rm" && args.size() == 2) {
+        if (!gui_env_rm_ee(args[1].c_str(), level)) {
+            std::fprintf(stderr, "tql: %s is not defined\n", args[1].c_str());
+            return 1;
+        }
+        return finish(save);
+    }
+    if (verb == "get" || verb == "set" || verb == "rm" || verb == "files") {
+        return usage_error(env_command(), "wrong number of arguments for env " + verb);
+    }
+    if (args.size() <= 1) {
+        return list_variables(args);
+    }
+    return usage_error(env_command(), "env takes [NAME], or get|set|rm NAME [VALUE], or files");
+}
+
+} // namespace tql_tool
