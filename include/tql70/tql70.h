@@ -8,6 +8,7 @@
 #include "gerror.h"
 #include "process_env.h"
 #include "gui_env.h"
+#include "astr.h"
 #include "gmem.h"
 #include "string_search.h"
 #include "gparse.h"
