@@ -157,6 +157,13 @@ TQL70_API int gui_env_get_ee_and_expand(const char* name, char* buffer, void** u
 TQL70_API int gui_env_put_ee(const char* name, const char* value, int level);
 TQL70_API int gui_env_rm_ee(const char* name, int level);
 
+/* The web browser program as a new string (free with gmem_ee_free): the
+ * expanded WEB_BROWSER of the "de_sim" configuration when it names an
+ * existing file; else the first entry of BROWSER (':'-separated) that is an
+ * existing file or a program on PATH; else the first of xdg-open,
+ * x-www-browser and sensible-browser on PATH; else "". */
+TQL70_API char* gui_env_getwebbrowser(void);
+
 /* ---- process variables and path lists ---- */
 
 /* The process variable `name` (tql_getenv), or the replacement the error

@@ -8,6 +8,7 @@
 
 #include <cerrno>
 #include <climits>
+#include <algorithm>
 #include <cstdlib>
 #include <cstdio>
 #include <fcntl.h>
@@ -134,6 +135,33 @@ bool volume_free_bytes(const std::string& native, unsigned long long& bytes)
     }
     bytes = static_cast<unsigned long long>(volume.f_bfree) * volume.f_frsize;
     return true;
+}
+
+std::string find_program(const std::string& program)
+{
+    if (program.empty()) {
+        return "";
+    }
+    auto executable = [](const std::string& path) {
+        struct stat st;
+        return ::stat(path.c_str(), &st) == 0 && S_ISREG(st.st_mode) && ::access(path.c_str(), X_OK) == 0;
+    };
+    if (program.find('/') != std::string::npos) {
+        return executable(program) ? program : "";
+    }
+    const char* path = std::getenv("PATH");
+    std::string directories = path ? path : "/usr/bin:/bin";
+    size_t start = 0;
+    while (start <= directories.size()) {
+        const size_t end = std::min(directories.find(':', start), directories.size());
+        const std::string directory = directories.substr(start, end - start);
+        const std::string candidate = (directory.empty() ? std::string(".") : directory) + "/" + program;
+        if (executable(candidate)) {
+            return candidate;
+        }
+        start = end + 1;
+    }
+    return "";
 }
 
 std::string system_name()

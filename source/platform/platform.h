@@ -115,6 +115,10 @@ bool volume_free_bytes(const std::string& native, unsigned long long& bytes);
 // The operating system's name (uname sysname, "Linux").
 std::string system_name();
 
+// The full native path of the executable `program` found on PATH (a name
+// with a '/' is checked as it is); "" when none.
+std::string find_program(const std::string& program);
+
 // ---- settings store (stands in for the registry) -----------------------
 
 // Set once initialize_qt_core_settings has run; callers that build a

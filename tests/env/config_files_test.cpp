@@ -8,6 +8,8 @@
 
 #include "env/env_store.h"
 
+#include <tql70/gmem.h>
+
 #include <csignal>
 #include <filesystem>
 #include <fstream>
@@ -170,6 +172,41 @@ TEST_F(ConfigFiles, ClosingTheDefaultEnvironmentIsSafe)
     EXPECT_EQ(ee("V"), "1");
     EXPECT_EQ(get(other, "MINE"), "m");
     EXPECT_EQ(tql::env::open_environments() != other, true); // the new default heads the list again
+}
+
+} // namespace
+} // namespace tql_test
+
+namespace tql_test {
+namespace {
+
+TEST_F(ConfigFiles, WebBrowser)
+{
+    const std::string bin = sandbox_.path() + "/bin";
+    const std::string opener = sandbox_.write_file("bin/xdg-open", "#!/bin/sh\n");
+    const std::string firefox = sandbox_.write_file("bin/firefox", "#!/bin/sh\n");
+    fs::permissions(opener, fs::perms::owner_all);
+    fs::permissions(firefox, fs::perms::owner_all);
+    ScopedEnv path("PATH", bin);
+    ScopedEnv no_browser("BROWSER", std::nullopt);
+    auto browser = [] {
+        char* found = gui_env_getwebbrowser();
+        const std::string text = found;
+        gmem_ee_free(found);
+        return text;
+    };
+    EXPECT_EQ(browser(), opener);
+    {
+        ScopedEnv list("BROWSER", std::string("nosuch:firefox"));
+        EXPECT_EQ(browser(), firefox);
+    }
+    // The configured browser wins when it names an existing file.
+    write("root/config/de_sim.cfg", "WEB_BROWSER=" + sandbox_.path() + "/bin/%NAME\n");
+    write("de_sim.cfg", "NAME=firefox\n");
+    EXPECT_EQ(browser(), firefox);
+    ScopedEnv empty_path("PATH", sandbox_.path() + "/none");
+    write("de_sim.cfg", "NAME=missing\n");
+    EXPECT_EQ(browser(), "");
 }
 
 } // namespace
