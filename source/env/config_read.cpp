@@ -103,7 +103,7 @@ void handle_include(GuiEnv env, const std::string& rest, int level)
     }
 }
 
-void handle_variable(GuiEnv env, const std::string& path, const std::string& line, size_t equals, int level,
+void handle_variable(GuiEnv env, const char* source, const std::string& line, size_t equals, int level,
                      bool included, bool addon)
 {
     std::string name = line.substr(0, equals);
@@ -113,12 +113,9 @@ void handle_variable(GuiEnv env, const std::string& path, const std::string& lin
         bool expanded = false;
         value = expand_in(env, value, expanded);
     }
-    if (gui_env_put_modnew(env, name.c_str(), value.c_str(), level, included ? ENV_INCLUDED : ENV_CLEAN)) {
-        char normalized[GUI_ENV_NAME_MAX + 1];
-        tql::env::normalize_name(name.c_str(), normalized);
-        if (GuiEnvEntry* entry = tql::env::find_entry(env, normalized, level, false)) {
-            entry->source = tql::env::remembered_file_name(path);
-        }
+    if (GuiEnvEntry* entry = tql::env::put_entry(env, name.c_str(), value.c_str(), level,
+                                                 included ? ENV_INCLUDED : ENV_CLEAN)) {
+        entry->source = source;
     }
 }
 
@@ -151,6 +148,7 @@ void read_config_file(GuiEnv env, const std::string& path, int level, bool inclu
     if (!file) {
         return; // a level's own file may be absent
     }
+    const char* source = remembered_file_name(opened);
     std::string line;
     while (read_whole_line(file, line)) {
         trim_trailing(line);
@@ -163,7 +161,7 @@ void read_config_file(GuiEnv env, const std::string& path, int level, bool inclu
         }
         const size_t equals = line.find('=');
         if (equals != std::string::npos) {
-            handle_variable(env, opened, line, equals, level, included, addon);
+            handle_variable(env, source, line, equals, level, included, addon);
         }
     }
     std::fclose(file);

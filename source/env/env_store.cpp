@@ -4,6 +4,7 @@
 
 #include <tql70/gmem.h>
 
+#include <cassert>
 #include <cstring>
 
 namespace tql::env {
@@ -46,12 +47,12 @@ GuiEnvEntry* take_slot(GuiEnvLevel& level)
         return nullptr;
     }
     if (level.capacity > level.count) {
-        for (int slot = 0; slot < level.capacity; ++slot) {
-            if (level.entries[slot].name[0] == '\0') {
-                ++level.count;
-                return &level.entries[slot];
-            }
-        }
+        // Slots are taken in order and only freed with the whole level, so
+        // the first free slot is the one after the last taken.
+        GuiEnvEntry* slot = &level.entries[level.count];
+        assert(slot->name[0] == '\0');
+        ++level.count;
+        return slot;
     }
     const int grown = level.capacity + kSlotBlock;
     void* table = level.entries ? gmem_ee_realloc(level.entries, sizeof(GuiEnvEntry), grown)
@@ -90,6 +91,57 @@ GuiEnvEntry* find_entry(GuiEnv env, const char* normalized, int level, bool incl
         }
     }
     return nullptr;
+}
+
+GuiEnvEntry* put_entry(GuiEnv env, const char* name, const char* value, int level, int state)
+{
+    if (!env || !name || !*name) {
+        return nullptr;
+    }
+    char normalized[GUI_ENV_NAME_MAX + 1];
+    normalize_name(name, normalized);
+    if (GuiEnvEntry* entry = find_entry(env, normalized, level, true)) {
+        if (entry->state == ENV_DELETED) {
+            entry->state = ENV_MODIFIED;
+            entry->user = nullptr;
+        }
+        if (level == GUI_ENV_USERDATA && value) {
+            entry->user = const_cast<char*>(value);
+            return entry;
+        }
+        char* copy = nullptr;
+        if (value && !(copy = copy_value(value))) {
+            return nullptr;
+        }
+        // An entry read from an included file stays ENV_INCLUDED even when
+        // changed, so the change is never written back to its file.
+        if (entry->state != ENV_INCLUDED) {
+            entry->state = ENV_MODIFIED;
+        }
+        gmem_ee_free(entry->value);
+        entry->value = copy;
+        entry->source = nullptr; // no longer the value its file gave
+        return entry;
+    }
+    if (!value) {
+        return nullptr;
+    }
+    char* copy = nullptr;
+    if (level != GUI_ENV_USERDATA && !(copy = copy_value(value))) {
+        return nullptr;
+    }
+    GuiEnvLevel& target = target_level(env, level);
+    GuiEnvEntry* entry = take_slot(target);
+    if (!entry) {
+        gmem_ee_free(copy);
+        return nullptr;
+    }
+    std::memcpy(entry->name, normalized, sizeof normalized);
+    entry->state = state;
+    entry->value = copy;
+    entry->user = level == GUI_ENV_USERDATA ? const_cast<char*>(value) : nullptr;
+    target.index.add(target.entries, static_cast<int>(entry - target.entries));
+    return entry;
 }
 
 } // namespace tql::env
@@ -137,53 +189,7 @@ int gui_env_put(GuiEnv env, const char* name, const char* value, int level)
 
 int gui_env_put_modnew(GuiEnv env, const char* name, const char* value, int level, int state)
 {
-    if (!env || !name || !*name) {
-        return 0;
-    }
-    char normalized[GUI_ENV_NAME_MAX + 1];
-    normalize_name(name, normalized);
-    if (GuiEnvEntry* entry = find_entry(env, normalized, level, true)) {
-        if (entry->state == ENV_DELETED) {
-            entry->state = ENV_MODIFIED;
-            entry->user = nullptr;
-        }
-        if (level == GUI_ENV_USERDATA && value) {
-            entry->user = const_cast<char*>(value);
-            return 1;
-        }
-        char* copy = nullptr;
-        if (value && !(copy = copy_value(value))) {
-            return 0;
-        }
-        // An entry read from an included file stays ENV_INCLUDED even when
-        // changed, so the change is never written back to its file.
-        if (entry->state != ENV_INCLUDED) {
-            entry->state = ENV_MODIFIED;
-        }
-        gmem_ee_free(entry->value);
-        entry->value = copy;
-        entry->source = nullptr; // no longer the value its file gave
-        return 1;
-    }
-    if (!value) {
-        return 0;
-    }
-    char* copy = nullptr;
-    if (level != GUI_ENV_USERDATA && !(copy = copy_value(value))) {
-        return 0;
-    }
-    GuiEnvLevel& target = target_level(env, level);
-    GuiEnvEntry* entry = take_slot(target);
-    if (!entry) {
-        gmem_ee_free(copy);
-        return 0;
-    }
-    std::memcpy(entry->name, normalized, sizeof normalized);
-    entry->state = state;
-    entry->value = copy;
-    entry->user = level == GUI_ENV_USERDATA ? const_cast<char*>(value) : nullptr;
-    target.index.add(target.entries, static_cast<int>(entry - target.entries));
-    return 1;
+    return put_entry(env, name, value, level, state) ? 1 : 0;
 }
 
 int gui_env_rm(GuiEnv env, const char* name, int level)

@@ -57,6 +57,9 @@ void normalize_name(const char* name, char out[GUI_ENV_NAME_MAX + 1]);
 // are found only with `include_deleted`.
 GuiEnvEntry* find_entry(GuiEnv env, const char* normalized, int level, bool include_deleted);
 
+// gui_env_put_modnew, answering the entry put (null on failure).
+GuiEnvEntry* put_entry(GuiEnv env, const char* name, const char* value, int level, int state);
+
 // A new environment with four empty levels (not yet in the open list);
 // null when memory is short.
 GuiEnv new_environment();
