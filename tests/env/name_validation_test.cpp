@@ -1,1 +1,284 @@
+// Name validation: which characters each kind of name may hold, the exact
+// message that names the first illegal one, the index suffix of indexed
+// identifiers, the repair with a replacement character (and where it
+// deliberately differs from the check), and the special-character search.
+#include <tql70/astr.h>
+
 #include <gtest/gtest.h>
+
+#include <algorithm>
+#include <iterator>
+#include <string>
+#include <vector>
+
+namespace {
+
+// The message of each kind for the illegal character `c`, written out in
+// full so that any change of wording or quoting shows.
+std::string identifier_message(char c)
+{
+    return std::string("`") + c + "' illegal: valid characters are alphanumeric or _ with non-numeric first character";
+}
+std::string workspace_message(char c)
+{
+    return std::string("`") + c + "' illegal: valid characters in workspace names are alphanumeric or _";
+}
+std::string design_message(char c)
+{
+    return std::string("`") + c + "' illegal: valid characters in design names are alphanumeric or _`@#&+-=^";
+}
+std::string node_message(char c)
+{
+    return std::string("`") + c + "' illegal: valid characters in node names are alphanumeric or _`@#&+-=^$%!";
+}
+std::string component_message(char c)
+{
+    return std::string("`") + c + "' illegal: valid characters in component names are alphanumeric or _`@#&+-=^$%";
+}
+
+std::string message_for(char c, int kind)
+{
+    if (kind & (ASTR_KIND_IDENTIFIER | ASTR_KIND_INDEXED)) {
+        return identifier_message(c);
+    }
+    if (kind & ASTR_KIND_WORKSPACE) {
+        return workspace_message(c);
+    }
+    if (kind & ASTR_KIND_DESIGN) {
+        return design_message(c);
+    }
+    return kind & ASTR_KIND_NODE ? node_message(c) : component_message(c);
+}
+
+std::string validate(const char* name, int kind, int allow_dot)
+{
+    const char* message = astr_kps_valid_name(name, kind, allow_dot);
+    return message ? message : "<valid>";
+}
+
+struct ValidCase {
+    const char* name;
+    int kind;
+    int allow_dot;
+    std::string expected; // "<valid>" or the full message
+};
+
+TEST(NameValidation, EdgeCasesAndMessages)
+{
+    const std::string valid = "<valid>";
+    const std::vector<ValidCase> cases = {
+        // A leading digit is illegal only in identifiers.
+        {"1abc", ASTR_KIND_IDENTIFIER, 1, identifier_message('1')},
+        {"1abc", ASTR_KIND_INDEXED, 1, identifier_message('1')},
+        {"1abc", ASTR_KIND_WORKSPACE, 1, valid},
+        {"1abc", ASTR_KIND_DESIGN, 1, valid},
+        {"1abc", ASTR_KIND_COMPONENT, 1, valid},
+        {"abc_9", ASTR_KIND_IDENTIFIER, 0, valid},
+        {"", ASTR_KIND_IDENTIFIER, 0, valid},
+        // '!' belongs to node and component names only.
+        {"a!b", ASTR_KIND_NODE, 0, valid},
+        {"a!b", ASTR_KIND_COMPONENT, 0, valid},
+        {"a!b", ASTR_KIND_DESIGN, 0, design_message('!')},
+        {"a!b", ASTR_KIND_DESIGN | ASTR_KIND_NODE, 0, design_message('!')},
+        {"a!b", ASTR_KIND_WORKSPACE, 0, workspace_message('!')},
+        {"a!b", ASTR_KIND_IDENTIFIER, 0, identifier_message('!')},
+        // '$' and '%' are refused in design names too.
+        {"a$b", ASTR_KIND_DESIGN, 0, design_message('$')},
+        {"a%b", ASTR_KIND_WORKSPACE, 0, workspace_message('%')},
+        {"a$b", ASTR_KIND_NODE, 0, valid},
+        {"a%b", ASTR_KIND_COMPONENT, 0, valid},
+        // Index suffixes.
+        {"bus(1,2)", ASTR_KIND_INDEXED, 0, valid},
+        {"bus(12,345,6)", ASTR_KIND_INDEXED, 0, valid},
+        {"bus(", ASTR_KIND_INDEXED, 0, valid},
+        {"bus(1,2", ASTR_KIND_INDEXED, 0, valid},
+        {"bus(1,", ASTR_KIND_INDEXED, 0, valid},
+        {"bus(1)", ASTR_KIND_INDEXED, 0, valid},
+        {"bus(1,)", ASTR_KIND_INDEXED, 0, identifier_message(',')},
+        {"bus()", ASTR_KIND_INDEXED, 0, identifier_message('(')},
+        {"bus(,1)", ASTR_KIND_INDEXED, 0, identifier_message('(')},
+        {"bus(1,,2)", ASTR_KIND_INDEXED, 0, identifier_message(',')},
+        {"bus(1a)", ASTR_KIND_INDEXED, 0, identifier_message('a')},
+        {"bus(1)x", ASTR_KIND_INDEXED, 0, identifier_message('x')},
+        {"bus(1))", ASTR_KIND_INDEXED, 0, identifier_message(')')},
+        {"bus(1)(2)", ASTR_KIND_INDEXED, 0, identifier_message('(')},
+        {"bus((1)", ASTR_KIND_INDEXED, 0, identifier_message('(')},
+        {"bu s(1)", ASTR_KIND_INDEXED, 0, identifier_message(' ')},
+        {"b)us(1)", ASTR_KIND_INDEXED, 0, identifier_message(')')},
+        // Without the indexed bit "(" is illegal in every kind.
+        {"bus(1)", ASTR_KIND_IDENTIFIER, 0, identifier_message('(')},
+        {"f(x)", ASTR_KIND_COMPONENT, 0, component_message('(')},
+        {"f(x)", ASTR_KIND_NODE, 0, node_message('(')},
+        // The first illegal character is the one reported.
+        {"a b!c", ASTR_KIND_DESIGN, 0, design_message(' ')},
+        {"a!b c", ASTR_KIND_DESIGN, 0, design_message('!')},
+        {"a.b c", ASTR_KIND_COMPONENT, 1, component_message(' ')},
+        // Bytes of 128 and above are letters to the check.
+        {"caf\xc3\xa9", ASTR_KIND_IDENTIFIER, 0, valid},
+        {"\xff", ASTR_KIND_WORKSPACE, 0, valid},
+    };
+    for (const ValidCase& c : cases) {
+        SCOPED_TRACE(std::string("name \"") + c.name + "\" kind " + std::to_string(c.kind) + " allow_dot " +
+                     std::to_string(c.allow_dot));
+        EXPECT_EQ(validate(c.name, c.kind, c.allow_dot), c.expected);
+    }
+}
+
+TEST(NameValidation, CharacterClassesByKind)
+{
+    // One row per character: for component, node, design, identifier,
+    // indexed and workspace names, '.' legal and 'X' illegal.
+    const int kinds[] = {ASTR_KIND_COMPONENT,  ASTR_KIND_NODE,    ASTR_KIND_DESIGN,
+                         ASTR_KIND_IDENTIFIER, ASTR_KIND_INDEXED, ASTR_KIND_WORKSPACE};
+    struct Row {
+        char c;
+        int allow_dot;
+        const char* legality;
+    };
+    std::vector<Row> rows = {
+        {'+', 0, "...XXX"}, {'-', 0, "...XXX"}, {'=', 0, "...XXX"}, {'^', 0, "...XXX"},
+        {'`', 0, "...XXX"}, {'@', 0, "...XXX"}, {'#', 0, "...XXX"}, {'&', 0, "...XXX"},
+        {'$', 0, "..XXXX"}, {'%', 0, "..XXXX"}, {'!', 0, "..XXXX"}, {'.', 0, "XXXXXX"},
+        {'.', 1, "......"}, {'_', 0, "......"}, {'z', 0, "......"}, {'7', 0, "......"},
+    };
+    for (char c : std::string("~*)[]{}/\\<>?,:\" \t|';")) {
+        rows.push_back({c, 1, "XXXXXX"});
+    }
+    for (const Row& row : rows) {
+        const std::string name = std::string("a") + row.c + "b";
+        for (int k = 0; k < 6; ++k) {
+            SCOPED_TRACE(std::string("character '") + row.c + "' kind " + std::to_string(kinds[k]) + " allow_dot " +
+                         std::to_string(row.allow_dot));
+            const std::string expected = row.legality[k] == 'X' ? message_for(row.c, kinds[k]) : "<valid>";
+            EXPECT_EQ(validate(name.c_str(), kinds[k], row.allow_dot), expected);
+        }
+    }
+}
+
+TEST(NameValidation, NullNameAndSharedMessageBuffer)
+{
+    EXPECT_EQ(astr_kps_valid_name(nullptr, ASTR_KIND_IDENTIFIER, 0), nullptr);
+    EXPECT_EQ(astr_kps_valid_name("fine", ASTR_KIND_IDENTIFIER, 0), nullptr);
+
+    // Every message comes from the same buffer: the next call overwrites it.
+    const char* first = astr_kps_valid_name("1a", ASTR_KIND_IDENTIFIER, 0);
+    ASSERT_NE(first, nullptr);
+    const char* second = astr_kps_valid_name("a b", ASTR_KIND_COMPONENT, 0);
+    EXPECT_EQ(first, second);
+    EXPECT_EQ(std::string(first), component_message(' '));
+}
+
+struct RepairCase {
+    const char* name;
+    int kind;
+    int allow_dot;
+    char replacement;
+    const char* expected;
+};
+
+TEST(NameValidationRepair, ReplacesWhatTheCheckRefuses)
+{
+    const std::vector<RepairCase> cases = {
+        {"a b", ASTR_KIND_COMPONENT, 0, '_', "a_b"},
+        {"a b", ASTR_KIND_COMPONENT, 0, '-', "a-b"},
+        {"a/b\\c:d", ASTR_KIND_NODE, 1, '_', "a_b_c_d"},
+        {"a.b", ASTR_KIND_DESIGN, 0, '_', "a_b"},
+        {"a.b", ASTR_KIND_DESIGN, 1, '_', "a.b"},
+        {"a+b@c", ASTR_KIND_IDENTIFIER, 0, '_', "a_b_c"},
+        {"a+b@c", ASTR_KIND_WORKSPACE, 0, '_', "a_b_c"},
+        {"a+b@c", ASTR_KIND_DESIGN, 0, '_', "a+b@c"},
+        {"a!b", ASTR_KIND_DESIGN, 0, '_', "a_b"},
+        {"a!b", ASTR_KIND_NODE, 0, '_', "a!b"},
+        {"a!b", ASTR_KIND_COMPONENT, 0, '_', "a!b"},
+        // Design names keep '$' and '%' although the check reports them.
+        {"a$b%c", ASTR_KIND_DESIGN, 0, '_', "a$b%c"},
+        {"a$b%c", ASTR_KIND_IDENTIFIER, 0, '_', "a_b_c"},
+        {"a$b%c", ASTR_KIND_WORKSPACE, 0, '_', "a_b_c"},
+        {"a$b%c", ASTR_KIND_INDEXED, 0, '_', "a_b_c"},
+        // An identifier that begins with a digit is not repaired at all.
+        {"1a b", ASTR_KIND_IDENTIFIER, 0, '_', "1a b"},
+        {"1a b", ASTR_KIND_INDEXED, 0, '_', "1a b"},
+        {"1a b", ASTR_KIND_WORKSPACE, 0, '_', "1a_b"},
+        // "(" outside indexed names.
+        {"f(x)", ASTR_KIND_COMPONENT, 0, '_', "f_x_"},
+        {"f(1)", ASTR_KIND_IDENTIFIER, 0, '_', "f_1_"},
+        // A valid index suffix ends the repair; an invalid one is kept up
+        // to its offending character and the repair goes on after it.
+        {"a b(1,2)", ASTR_KIND_INDEXED, 0, '_', "a_b(1,2)"},
+        {"bus(1,2", ASTR_KIND_INDEXED, 0, '_', "bus(1,2"},
+        {"bus(1,)", ASTR_KIND_INDEXED, 0, '_', "bus(1,_"},
+        {"bus()", ASTR_KIND_INDEXED, 0, '_', "bus(_"},
+        {"bus(1a)", ASTR_KIND_INDEXED, 0, '_', "bus(1a_"},
+        {"bus(1)x y", ASTR_KIND_INDEXED, 0, '_', "bus(1)x_y"},
+        {"bus(1)(2)", ASTR_KIND_INDEXED, 0, '_', "bus(1)(2_"},
+        {"", ASTR_KIND_IDENTIFIER, 0, '_', ""},
+    };
+    for (const RepairCase& c : cases) {
+        SCOPED_TRACE(std::string("name \"") + c.name + "\" kind " + std::to_string(c.kind) + " allow_dot " +
+                     std::to_string(c.allow_dot));
+        char output[64];
+        std::fill(std::begin(output), std::end(output), '#');
+        EXPECT_EQ(astr_kps_get_valid_name(c.name, c.kind, c.allow_dot, c.replacement, output), 1);
+        EXPECT_STREQ(output, c.expected);
+    }
+}
+
+TEST(NameValidationRepair, RepairedNamesPassTheCheck)
+{
+    // Outside the deliberate exceptions (leading digits, '$' and '%' in
+    // design names, invalid index suffixes) a repaired name is valid.
+    const char* names[] = {"a b.c!d+e@f$g(h)", "x~*[]{}<>?\"|';y", "tab\there"};
+    const int kinds[] = {ASTR_KIND_COMPONENT, ASTR_KIND_NODE, ASTR_KIND_IDENTIFIER, ASTR_KIND_WORKSPACE};
+    for (const char* name : names) {
+        for (int kind : kinds) {
+            SCOPED_TRACE(std::string(name) + " kind " + std::to_string(kind));
+            char output[64];
+            ASSERT_EQ(astr_kps_get_valid_name(name, kind, 0, '_', output), 1);
+            EXPECT_EQ(astr_kps_valid_name(output, kind, 0), nullptr) << output;
+        }
+    }
+}
+
+TEST(NameValidationRepair, NullNameInPlaceAndNoOutput)
+{
+    char output[8] = "keep";
+    EXPECT_EQ(astr_kps_get_valid_name(nullptr, ASTR_KIND_COMPONENT, 0, '_', output), 0);
+    EXPECT_STREQ(output, "keep");
+
+    // The name's own buffer may be the output.
+    char name[] = "in place";
+    EXPECT_EQ(astr_kps_get_valid_name(name, ASTR_KIND_COMPONENT, 0, '_', name), 1);
+    EXPECT_STREQ(name, "in_place");
+
+    // Without an output the work happens in a scratch copy; the name stays.
+    const char original[] = "a b";
+    EXPECT_EQ(astr_kps_get_valid_name(original, ASTR_KIND_COMPONENT, 0, '_', nullptr), 1);
+    EXPECT_STREQ(original, "a b");
+}
+
+TEST(NameValidationSpecial, FirstSpecialCharacter)
+{
+    struct Case {
+        const char* name;
+        int allow_dot;
+        long offset; // -1: none
+    };
+    const std::vector<Case> cases = {
+        {"abc_9", 0, -1}, {"1abc", 0, 0},  {"9", 1, 0},       {"ab c", 0, 2},   {"a.b", 0, 1},
+        {"a.b", 1, -1},   {"a.b!", 1, 3},  {"a$", 0, 1},      {"a%", 0, 1},     {"ab(", 0, 2},
+        {"a+", 0, 1},     {"a`", 0, 1},    {"x)y", 0, 1},     {"", 0, -1},      {"caf\xc3\xa9", 0, -1},
+        {"_x~", 0, 2},    {"a@b#", 0, 1},  {"a=b", 1, 1},     {"a\tb", 1, 1},   {"abc;", 1, 3},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(std::string("name \"") + c.name + "\" allow_dot " + std::to_string(c.allow_dot));
+        const char* found = astr_kps_spl_name(c.name, c.allow_dot);
+        if (c.offset < 0) {
+            EXPECT_EQ(found, nullptr);
+        } else {
+            EXPECT_EQ(found, c.name + c.offset);
+        }
+    }
+    EXPECT_EQ(astr_kps_spl_name(nullptr, 0), nullptr);
+}
+
+} // namespace
