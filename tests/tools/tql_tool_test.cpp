@@ -153,6 +153,19 @@ TEST(TqlTool, EnvironmentCommands)
     EXPECT_EQ(tql("env set A --level nowhere", true).status, 2);
 }
 
+TEST(TqlTool, NameCommands)
+{
+    EXPECT_EQ(tql("name check identifier abc_1").out, "valid\n");
+    const ToolRun bad = tql("name check identifier 1abc");
+    EXPECT_EQ(bad.status, 1);
+    EXPECT_EQ(bad.out, "`1' illegal: valid characters are alphanumeric or _ with non-numeric first character\n");
+    EXPECT_EQ(tql("name check node 'a!b'").status, 0);
+    EXPECT_EQ(tql("name check design a.b").status, 1);
+    EXPECT_EQ(tql("name check design a.b --allow-dot").status, 0);
+    EXPECT_EQ(tql("name fix workspace 'my work:space'").out, "my_work_space\n");
+    EXPECT_EQ(tql("name check planet x", true).status, 2);
+}
+
 TEST(TqlTool, BadArgumentsAreUsageErrors)
 {
     struct Case {

@@ -183,6 +183,50 @@ int run_df(const Args& args)
     return 0;
 }
 
+// The name kinds by their words.
+const struct {
+    const char* word;
+    int kind;
+} kNameKinds[] = {{"identifier", ASTR_KIND_IDENTIFIER}, {"indexed", ASTR_KIND_INDEXED},
+                  {"workspace", ASTR_KIND_WORKSPACE}, {"design", ASTR_KIND_DESIGN},
+                  {"node", ASTR_KIND_NODE},           {"component", ASTR_KIND_COMPONENT}};
+
+// "name check|fix KIND NAME [--allow-dot]": validates or repairs a name.
+int run_name(const Args& given)
+{
+    Args args = given;
+    int allow_dot = 0;
+    if (!args.empty() && args.back() == "--allow-dot") {
+        allow_dot = 1;
+        args.pop_back();
+    }
+    if (args.size() != 3 || (args[0] != "check" && args[0] != "fix")) {
+        return usage_error(find("name"), "name takes check or fix, a kind and a name");
+    }
+    int kind = -1;
+    for (const auto& entry : kNameKinds) {
+        if (args[1] == entry.word) {
+            kind = entry.kind;
+        }
+    }
+    if (kind < 0) {
+        return usage_error(find("name"),
+                           "the kind is one of identifier, indexed, workspace, design, node, component");
+    }
+    if (args[0] == "check") {
+        if (const char* message = astr_kps_valid_name(args[2].c_str(), kind, allow_dot)) {
+            std::printf("%s\n", message);
+            return 1;
+        }
+        std::printf("valid\n");
+        return 0;
+    }
+    std::vector<char> fixed(args[2].size() + 1);
+    astr_kps_get_valid_name(args[2].c_str(), kind, allow_dot, '_', fixed.data());
+    std::printf("%s\n", fixed.data());
+    return 0;
+}
+
 } // namespace
 
 const std::vector<Command>& commands()
@@ -203,6 +247,10 @@ const std::vector<Command>& commands()
          "expand $NAME and %NAME references in TEXT in the default environment;\n"
          "                       exit status 1 when it expands to nothing",
          run_expand},
+        {"name", "tql name check|fix KIND NAME [--allow-dot]",
+         "validate a name (the first illegal character, exit 1), or repair it with '_';\n"
+         "                       KIND: identifier, indexed, workspace, design, node, component",
+         run_name},
         {"cp", "tql cp SRC DST [-r]",
          "copy a file, a wildcard set (\"dir/*.txt\") or, with -r, a directory tree", run_cp},
         {"rm", "tql rm PATH [-r]", "remove a file, a wildcard set or, with -r, a directory tree", run_rm},
