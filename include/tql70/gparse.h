@@ -1,5 +1,6 @@
 /* Parsing and conversion: string helpers (fixed-width copies, clean-up,
- * case changes and comparisons). */
+ * case changes and comparisons) and the numeric conversions (the number
+ * rule, the integer and float rules, and the bounded-width formatters). */
 #ifndef TQL70_GPARSE_H
 #define TQL70_GPARSE_H
 
@@ -121,6 +122,122 @@ TQL70_API char* gparse_parse_numeric_and_postnumeric_part(const char* text, int 
  * digit, or the range is empty; 0 otherwise. Stops at the first non-digit,
  * so it never reads past the NUL. A null text holds no digits. */
 TQL70_API int gparse_all_digits(const char* text, int from, int to);
+
+/* ---- Numeric conversion and formatting ----
+ *
+ * Status results are 1 for success and 0 for failure. None of these calls
+ * depends on the process locale: the decimal point is always ".".
+ *
+ * Number rule: `text` is a number when it is not empty, the standard
+ * text-to-double conversion reads all of it as a decimal number (hexadecimal
+ * forms, "inf" and "nan" are not numbers), its first character is "+", "-",
+ * "." or a digit and its last character is "." or a digit. So "1e5", "5." and
+ * ".5" are numbers; " 7", "7 ", "1e" and "0x10" are not. A null text is not a
+ * number. */
+
+/* The number rule. *out always gets the value of the decimal number that the
+ * text starts with (0 when there is none, or the text is null). A null out is
+ * not written; the status is returned all the same. */
+TQL70_API unsigned int gparse_astodbl(const char* text, double* out);
+
+/* Integer rule: a number with a zero fractional part whose value lies within
+ * -2147483647 .. 2147483647 ("-2147483648" is a number but not an integer).
+ * *out is the value, or 0 on failure. "3e2" gives 300; "12.5" fails. */
+TQL70_API unsigned int gparse_astoint(const char* text, int* out);
+
+/* Same rule and result as gparse_astoint. */
+TQL70_API unsigned int gparse_astolng(const char* text, int* out);
+
+/* Float rule: a number within +-1.701411e38. *out is the value rounded to
+ * single precision, 0 when the text is not a number; beyond the limit *out is
+ * +-1.7014110e38 (bit patterns 0x7efffff8 and 0xfefffff8) and the result 0. */
+TQL70_API unsigned int gparse_astoflt(const char* text, float* out);
+
+/* Decimal text of `value` ("-" for negatives, no padding, no "+"), when sign
+ * and digits fit in `width`. On failure the result is 0 and: for a negative
+ * value out becomes ""; for any other value out is left as it was. Nothing
+ * is ever written outside out. */
+TQL70_API unsigned int gparse_lngtoas(int value, int width, char* out);
+
+/* gparse_lngtoas, and out set to "" on failure. */
+TQL70_API unsigned int gparse_inttoas(int value, int width, char* out);
+
+/* Fixed notation with `decimals` digits after the point, falling back to
+ * exponent notation when the value does not fit `width` (one position of
+ * which is kept for a sign) or is too small to show, and for decimals < 0.
+ * Fixed results are not padded: 123 with 0 decimals gives "123.", 0.05 with 3
+ * gives "0.050"; a zero alone with 0 decimals gives "0". Zero and values of
+ * at most 1e-23 give "0." and `decimals` zeros, right-aligned with blanks in
+ * width - 1 positions. Exponent notation: sign, one digit, ".", width - 8
+ * more digits, "e", the exponent's sign and three digits ("1.23456e+002" in
+ * width 13); it needs a width of at least 9, else the call fails. Infinities
+ * and NaN fail. On failure out becomes "". out needs max(width,
+ * decimals + 3) + 1 bytes. */
+TQL70_API unsigned int gparse_dbltoas(double value, int width, int decimals, char* out);
+
+/* As gparse_dbltoas for a float: exponent notation has width - 7 digits
+ * after the point and a two-digit exponent, and needs a width of at least 8. */
+TQL70_API unsigned int gparse_flttoas(float value, int width, int decimals, char* out);
+
+/* As gparse_dbltoas with the most decimals that fit in `width`: width - 3
+ * less the count of integer digits beyond the first (width - 3 for values
+ * below 1). out needs width + 1 bytes. */
+TQL70_API unsigned int gparse_dblmxas(double value, int width, char* out);
+
+/* gparse_dblmxas for a float, with the float exponent notation. */
+TQL70_API unsigned int gparse_fltmxas(float value, int width, char* out);
+
+/* Fixed notation only: as gparse_dbltoas without the exponent fallback for
+ * large and small values (every value below 10^-decimals gives the zero
+ * text). Fails, with out "", when the integer part needs more than
+ * width - decimals - 2 digits. decimals < 0 still gives exponent notation. */
+TQL70_API unsigned int gparse_dblxxas(double value, int width, int decimals, char* out);
+
+/* gparse_dblxxas for a float (float exponent notation for decimals < 0). */
+TQL70_API unsigned int gparse_fltxxas(float value, int width, int decimals, char* out);
+
+/* Splits `value` into *mantissa (|m| from 1 up to 10, negative for negative
+ * values) and *exponent, a whole power of ten: 1234 gives 1.234 and 3,
+ * 0.002 gives 2 and -3. Values of magnitude up to 1e-99, zero included, give
+ * 10.0 (negated for negative values) and -99. Infinities and NaN give NaN in
+ * both. Null outputs are not written. */
+TQL70_API void gparse_cnvt_double_e_format(double value, double* mantissa, double* exponent);
+
+/* Zero stripping: a number text (leading and trailing blanks ignored) is
+ * rewritten without redundant characters: leading zeros of the integer part
+ * (one "0" stays before the point), trailing zeros of the fraction, a bare
+ * point, a "+" sign, and in an exponent its "+" sign and leading zeros; an
+ * exponent of zero is dropped and the exponent letter becomes "e". A zero
+ * value gives "0" (no sign). "007.500" gives "7.5", "-1.50E+003" gives
+ * "-1.5e3", "100" stays "100". A text that is not a number is copied
+ * unchanged and the result is 0. out may equal text and needs
+ * strlen(text) + 1 bytes. A null out writes nothing. */
+TQL70_API unsigned int gparse_cnvt_string_stripped_zeros(const char* text, char* out);
+
+/* Exponent text to plain decimal text. When text does not start with a digit
+ * or a sign, or is not a number, or has an exponent beyond +-400, out becomes
+ * " " and the result is 0. A number without "e" or "E" is copied unchanged.
+ * Otherwise the point is moved by the exponent, the exact digits kept: "+"
+ * and leading zeros of the integer part go (one "0" stays), the fraction is
+ * kept as far as it reaches: "1.23456e+002" gives "123.456", "1.50e1" gives
+ * "15.0", "-5E-3" gives "-0.005", "2.5e3" gives "2500". out may equal text and
+ * needs strlen(text) + |exponent| + 2 bytes. A null out writes nothing. */
+TQL70_API unsigned int gparse_cnvt_from_e_to_string(const char* text, char* out);
+
+/* Any number text to its shortest plain decimal text: leading and trailing
+ * blanks are dropped, then gparse_cnvt_from_e_to_string and
+ * gparse_cnvt_string_stripped_zeros: "1.500e+001" gives "15", "  0.050"
+ * gives "0.05". Its result and failure text (" ") are those of
+ * gparse_cnvt_from_e_to_string. out may equal text. */
+TQL70_API unsigned int gparse_cnvt_string_string_stripped(const char* text, char* out);
+
+/* gparse_dbltoas(value, width, decimals) with width and decimals each capped
+ * at 30, then gparse_cnvt_string_stripped_zeros: (123.456, 10, 4) gives
+ * "123.456", (7.0, 10, 0) gives "7", a zero gives "0", and an exponent
+ * fallback keeps its exponent: (123456789012.0, 12, 2) gives "1.2346e11".
+ * "" when the formatting fails. The text lives in one library-global buffer
+ * that the next call overwrites. */
+TQL70_API const char* gparse_cnvt_double_string_stripped(double value, int width, int decimals);
 
 TQL70_END_DECLS
 

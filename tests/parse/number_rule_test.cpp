@@ -1,1 +1,166 @@
+// The number, integer and float rules, and their independence from the
+// process locale.
+#include <tql70/gparse.h>
+
+#include "support/scoped_env.h"
+
 #include <gtest/gtest.h>
+
+#include <clocale>
+#include <cmath>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <optional>
+#include <string>
+#include <unistd.h>
+
+namespace {
+
+struct RuleCase {
+    const char* text;
+    unsigned int status;
+    double value;
+};
+
+uint32_t bits_of(float value)
+{
+    uint32_t bits;
+    std::memcpy(&bits, &value, sizeof bits);
+    return bits;
+}
+
+} // namespace
+
+TEST(NumberRuleDouble, AcceptsOnlyWholeDecimalTexts)
+{
+    const RuleCase cases[] = {
+        {"1e5", 1, 1e5}, {"5.", 1, 5.0}, {".5", 1, 0.5}, {"-.5e-1", 1, -0.05}, {"+0", 1, 0.0},
+        {"1E+05", 1, 1e5}, {"007", 1, 7.0}, {"1e400", 1, HUGE_VAL},
+        // rejected, with the value of the decimal number the text starts with
+        {"", 0, 0.0}, {" 7", 0, 7.0}, {"7 ", 0, 7.0}, {"1e", 0, 1.0}, {"1e+", 0, 1.0}, {".", 0, 0.0},
+        {"-", 0, 0.0}, {"1.5x", 0, 1.5}, {"0x10", 0, 0.0}, {"0x1p3", 0, 0.0}, {"inf", 0, 0.0},
+        {"-infinity", 0, 0.0}, {"nan", 0, 0.0}, {"1,5", 0, 1.0}, {"\t1", 0, 1.0},
+    };
+    for (const RuleCase& c : cases) {
+        SCOPED_TRACE(c.text);
+        double value = -1.0;
+        EXPECT_EQ(gparse_astodbl(c.text, &value), c.status);
+        EXPECT_EQ(value, c.value);
+    }
+    double value = -1.0;
+    EXPECT_EQ(gparse_astodbl(nullptr, &value), 0u);
+    EXPECT_EQ(value, 0.0);
+    EXPECT_EQ(gparse_astodbl("2.5", nullptr), 1u);
+}
+
+TEST(NumberRuleInteger, WholeValuesWithinTheSymmetricRange)
+{
+    const struct {
+        const char* text;
+        unsigned int status;
+        int value;
+    } cases[] = {
+        {"12", 1, 12}, {"12.5", 0, 0}, {"3e2", 1, 300}, {"+7", 1, 7}, {" 7", 0, 0}, {"12.0", 1, 12},
+        {"5.", 1, 5}, {"-0", 1, 0}, {"1.5e1", 1, 15}, {".5", 0, 0}, {"2147483647", 1, 2147483647},
+        {"2147483648", 0, 0}, {"-2147483647", 1, -2147483647}, {"-2147483648", 0, 0},
+        {"2147483647.5", 0, 0}, {"1e10", 0, 0}, {"1e400", 0, 0}, {"abc", 0, 0}, {nullptr, 0, 0},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.text ? c.text : "(null)");
+        int value = 99;
+        EXPECT_EQ(gparse_astoint(c.text, &value), c.status);
+        EXPECT_EQ(value, c.value);
+        value = 99;
+        EXPECT_EQ(gparse_astolng(c.text, &value), c.status);
+        EXPECT_EQ(value, c.value);
+    }
+}
+
+TEST(NumberRuleFloat, ClampsBeyondTheFloatLimit)
+{
+    const struct {
+        const char* text;
+        unsigned int status;
+        uint32_t bits;
+    } cases[] = {
+        {"1e39", 0, 0x7efffff8u},           {"-1e39", 0, 0xfefffff8u},
+        {"1.70142e38", 0, 0x7efffff8u},     // below FLT_MAX, above the limit
+        {"1.701411e38", 1, bits_of(1.701411e38f)}, {"-1.701411e38", 1, bits_of(-1.701411e38f)},
+        {"1.5", 1, bits_of(1.5f)},          {"0.1", 1, bits_of(0.1f)},
+        {"abc", 0, 0u},                     {"1e-50", 1, 0u},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.text);
+        float value = 99.0f;
+        EXPECT_EQ(gparse_astoflt(c.text, &value), c.status);
+        EXPECT_EQ(bits_of(value), c.bits);
+    }
+}
+
+// Runs the test under a locale whose decimal point is a comma: an installed
+// one, else one compiled with localedef into a temporary directory (from the
+// system's locale sources, no network). Restores "C" afterwards.
+class NumberLocale : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        for (const char* name : {"de_DE.UTF-8", "de_DE.utf8", "fr_FR.UTF-8", "nl_NL.UTF-8", "es_ES.UTF-8"}) {
+            if (use_if_comma(name)) {
+                return;
+            }
+        }
+        if (access("/usr/share/i18n/locales/de_DE", R_OK) == 0 &&
+            std::system("command -v localedef >/dev/null") == 0) {
+            const std::string command =
+                "localedef -c -i de_DE -f UTF-8 '" + dir_.path() + "/de_DE.UTF-8' >/dev/null 2>&1";
+            if (std::system(command.c_str()) >= 0) {
+                locpath_.emplace("LOCPATH", dir_.path());
+                if (use_if_comma("de_DE.UTF-8")) {
+                    return;
+                }
+            }
+        }
+        GTEST_SKIP() << "no locale with a decimal comma is installed and none could be made with localedef";
+    }
+
+    void TearDown() override { std::setlocale(LC_ALL, "C"); }
+
+private:
+    bool use_if_comma(const char* name)
+    {
+        if (std::setlocale(LC_ALL, name) && std::strcmp(std::localeconv()->decimal_point, ",") == 0) {
+            return true;
+        }
+        std::setlocale(LC_ALL, "C");
+        return false;
+    }
+
+    tql_test::TempDir dir_;
+    std::optional<tql_test::ScopedEnv> locpath_;
+};
+
+TEST_F(NumberLocale, ParsingAndFormattingIgnoreADecimalComma)
+{
+    ASSERT_EQ(std::strtod("1,5", nullptr), 1.5) << "the comma locale is not active";
+    double value = 0.0;
+    EXPECT_EQ(gparse_astodbl("1.5", &value), 1u);
+    EXPECT_EQ(value, 1.5);
+    EXPECT_EQ(gparse_astodbl("1,5", &value), 0u);
+    float single = 0.0f;
+    EXPECT_EQ(gparse_astoflt("2.25", &single), 1u);
+    EXPECT_EQ(single, 2.25f);
+
+    char out[64];
+    EXPECT_EQ(gparse_dbltoas(1.5, 10, 2, out), 1u);
+    EXPECT_STREQ(out, "1.50");
+    EXPECT_EQ(gparse_dbltoas(-123.456, 13, -1, out), 1u);
+    EXPECT_STREQ(out, "-1.23456e+002");
+    EXPECT_EQ(gparse_flttoas(0.25f, 10, 3, out), 1u);
+    EXPECT_STREQ(out, "0.250");
+    EXPECT_EQ(gparse_dblxxas(1e-20, 40, 25, out), 1u);
+    EXPECT_STREQ(out, "0.0000000000000000000100000");
+    EXPECT_EQ(gparse_cnvt_string_string_stripped("1.250e1", out), 1u);
+    EXPECT_STREQ(out, "12.5");
+    EXPECT_STREQ(gparse_cnvt_double_string_stripped(2.5, 10, 3), "2.5");
+}
