@@ -239,6 +239,111 @@ TQL70_API unsigned int gparse_cnvt_string_string_stripped(const char* text, char
  * that the next call overwrites. */
 TQL70_API const char* gparse_cnvt_double_string_stripped(double value, int width, int decimals);
 
+/* ---- the line parser ---- */
+
+/* One field of a parsed line: positions of its first and last character in
+ * the caller's line (inclusive), and its value by the integer and number
+ * rules (ival 0 unless is_int; dval 0.0 unless is_num; every integer is
+ * also a number). */
+typedef struct parsefield {
+    unsigned int start;
+    unsigned int end;
+    int is_int;
+    int ival;
+    int is_num;
+    double dval;
+} parsefield;
+
+/* Fields kept by the fixed record; further text is ignored. */
+#define GPARSE_MAX_FIELDS 300
+
+/* The fixed record of gparse_parline. The line is not copied: it must stay
+ * alive while fields are read. */
+typedef struct parserec {
+    const char* line;
+    unsigned int count;
+    parsefield fields[GPARSE_MAX_FIELDS];
+} parserec;
+
+/* The record of the _mem families: fields on the heap, owned by the record;
+ * `id` registers it with its family (0: not yet). Zero it with
+ * gparse_init_parserecMem before the first use. */
+typedef struct parserecMem {
+    const char* line;
+    unsigned int count;
+    parsefield* fields;
+    int id;
+} parserecMem;
+
+/* The header of gparse_parline2 / gparse_parline3: the line and the number
+ * of fields closed by a separator. The positions live in library slots. */
+typedef struct parseheader {
+    const char* line;
+    unsigned int count;
+} parseheader;
+
+/* Splits `line` into fields: a run of separators (`seps`) ends a field;
+ * each mark (`marks`, tested first) is a one-character field of its own;
+ * reading stops at the end character `endc` (0: the end of the line). At
+ * most GPARSE_MAX_FIELDS fields are kept. 0 when seps is empty. */
+TQL70_API unsigned int gparse_parline(const char* line, const char* seps, const char* marks, char endc, parserec* rec);
+
+/* Same as gparse_parline with no field limit, the fields in a heap array
+ * owned by the record and the record registered with the family (ids as
+ * the family has always given them). An end character above 127 never
+ * stops these families (it is compared as a signed character). 0 for an
+ * empty seps, a record whose id is not registered, or no memory. Not
+ * reentrant. */
+TQL70_API unsigned int gparse_parline_mem(const char* line, const char* seps, const char* marks, char endc, parserecMem* rec);
+/* Releases the record's fields and its registration; 1, or 0 when its id is
+ * not registered. */
+TQL70_API unsigned int gparse_parline_free_mem(parserecMem* rec);
+/* Forgets the whole registry; the records keep (and own) their fields. */
+TQL70_API unsigned int gparse_parline_free_all_mem(void);
+
+/* The same family on a registry of its own whose lookup is constant-time;
+ * it allocates nothing per call once warm (a record's field array is kept
+ * and reused while large enough). */
+TQL70_API unsigned int gparse_efficient_parline_mem(const char* line, const char* seps, const char* marks, char endc, parserecMem* rec);
+TQL70_API unsigned int gparse_efficient_parline_free_mem(parserecMem* rec);
+TQL70_API unsigned int gparse_efficient_parline_free_all_mem(void);
+
+/* Zeroes the record; returns it. */
+TQL70_API parserecMem* gparse_init_parserecMem(parserecMem* rec);
+
+/* Separators only: the first two (three) fields closed by a separator go to
+ * library slots 0 and 1 (0, 1 and 2); a field left open at the end goes to
+ * the last slot (parline3: with two or three closed fields, slots 2 and 3,
+ * or 3). Slots keep earlier values when a line does not fill them. 0 for an
+ * empty line or seps (parline2 also when slot 0 ends at the line's length). */
+TQL70_API unsigned int gparse_parline2(const char* line, const char* seps, parseheader* hdr);
+TQL70_API unsigned int gparse_parline3(const char* line, const char* seps, parseheader* hdr);
+
+/* ---- fields of a parsed line ---- */
+
+/* The text of field `index` (0-based); 0 with out untouched for a bad index. */
+TQL70_API unsigned int gparse_getclump(parserec* rec, int index, char* out);
+TQL70_API unsigned int gparse_getclump_mem(parserecMem* rec, int index, char* out);
+/* The integer value; 0 with *out = 0 when the field is not an integer. */
+TQL70_API unsigned int gparse_intclump(parserec* rec, int index, int* out);
+TQL70_API unsigned int gparse_intclump_mem(parserecMem* rec, int index, int* out);
+/* The real value (integers too); 0 with *out = 0 when not a number. */
+TQL70_API unsigned int gparse_d_relclump(parserec* rec, int index, double* out);
+TQL70_API unsigned int gparse_d_relclump_mem(parserecMem* rec, int index, double* out);
+TQL70_API unsigned int gparse_s_relclump(parserec* rec, int index, float* out);
+TQL70_API unsigned int gparse_s_relclump_mem(parserecMem* rec, int index, float* out);
+/* The line from the start of field `first` to the end of field `last`,
+ * separators included; returns the address of the output's terminating NUL.
+ * Indices outside the parsed fields give "". */
+TQL70_API char* gparse_getplinstr(parserec* rec, int first, int last, char* out);
+TQL70_API char* gparse_getplinstr_mem(parserecMem* rec, int first, int last, char* out);
+/* Slot `index` (0..2) of gparse_parline2, stripped of blanks; the last slot
+ * loses its final character (the line end) unless it is one character. */
+TQL70_API unsigned int gparse_getclump2(parseheader* hdr, int index, char* out);
+/* Slot `index` (0..3) of gparse_parline3, stripped of blanks, followed by a
+ * second NUL: out needs two bytes beyond the text. */
+TQL70_API unsigned int gparse_getclump3(parseheader* hdr, int index, char* out);
+
 TQL70_END_DECLS
 
 #endif /* TQL70_GPARSE_H */
