@@ -166,6 +166,23 @@ TEST(TqlTool, NameCommands)
     EXPECT_EQ(tql("name check planet x", true).status, 2);
 }
 
+TEST(TqlTool, ParseAndNumberCommands)
+{
+    tql_test::TempDir dir;
+    const std::string file = dir.write_file("data.txt", "a=12;2.5 x\n\nk!comment\n");
+    EXPECT_EQ(tql("parse --seps '; ' --marks = --end '!' " + file).out,
+              "line 1: 5 fields\n  0  text     a\n  1  text     =\n  2  integer  12\n  3  number   2.5\n"
+              "  4  text     x\nline 2: 0 fields\nline 3: 1 field\n  0  text     k\n");
+    EXPECT_EQ(tql("parse " + dir.path() + "/none", true).status, 1);
+    EXPECT_EQ(tql("parse --seps", true).status, 2);
+
+    const ToolRun fmt = tql("num fmt 123.456 13 2");
+    EXPECT_EQ(fmt.status, 0);
+    EXPECT_NE(fmt.out.find("gparse_dbltoas 1  \"123.46\"\n"), std::string::npos) << fmt.out;
+    EXPECT_NE(tql("num fmt 0 10 2").out.find("gparse_dbltoas 1  \"     0.00\"\n"), std::string::npos);
+    EXPECT_EQ(tql("num fmt x 10 2", true).status, 2);
+}
+
 TEST(TqlTool, BadArgumentsAreUsageErrors)
 {
     struct Case {

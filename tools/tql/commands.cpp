@@ -227,6 +227,97 @@ int run_name(const Args& given)
     return 0;
 }
 
+// Takes "--NAME VALUE" out of `args` into `value`; false when it is last.
+bool take_option(Args& args, const char* name, std::string& value)
+{
+    for (size_t i = 0; i < args.size(); ++i) {
+        if (args[i] == name) {
+            if (i + 1 >= args.size()) {
+                return false;
+            }
+            value = args[i + 1];
+            args.erase(args.begin() + static_cast<long>(i), args.begin() + static_cast<long>(i) + 2);
+            return true;
+        }
+    }
+    return true;
+}
+
+// "parse [--seps S] [--marks M] [--end C] [FILE]": every line's fields with
+// their type and value.
+int run_parse(const Args& given)
+{
+    Args args = given;
+    std::string seps = " \t";
+    std::string marks;
+    std::string end;
+    if (!take_option(args, "--seps", seps) || !take_option(args, "--marks", marks) ||
+        !take_option(args, "--end", end) || args.size() > 1 || end.size() > 1 || seps.empty()) {
+        return usage_error(find("parse"), "parse takes [--seps S] [--marks M] [--end C] [FILE]");
+    }
+    FILE* in = stdin;
+    if (!args.empty() && !gfile_filopn(&in, args[0].c_str(), GFILE_READ)) {
+        std::fprintf(stderr, "tql: cannot open %s\n", args[0].c_str());
+        return 1;
+    }
+    parserecMem rec;
+    gparse_init_parserecMem(&rec);
+    std::string line;
+    for (unsigned long number = 1; gfile_getline_std_string(in, &line); ++number) {
+        if (!gparse_efficient_parline_mem(line.c_str(), seps.c_str(), marks.c_str(), end.empty() ? 0 : end[0], &rec)) {
+            std::fprintf(stderr, "tql: line %lu cannot be parsed\n", number);
+            continue;
+        }
+        std::printf("line %lu: %u field%s\n", number, rec.count, rec.count == 1 ? "" : "s");
+        std::vector<char> text(line.size() + 1);
+        for (unsigned int i = 0; i < rec.count; ++i) {
+            const parsefield& f = rec.fields[i];
+            gparse_getclump_mem(&rec, static_cast<int>(i), text.data());
+            if (f.is_int) {
+                std::printf("  %u  integer  %d\n", i, f.ival);
+            } else if (f.is_num) {
+                std::printf("  %u  number   %.17g\n", i, f.dval);
+            } else {
+                std::printf("  %u  text     %s\n", i, text.data());
+            }
+        }
+    }
+    gparse_efficient_parline_free_mem(&rec);
+    if (in != stdin) {
+        gfile_filcls(in);
+    }
+    return 0;
+}
+
+// "num fmt VALUE WIDTH DECIMALS": every formatter's result for the value.
+int run_num(const Args& args)
+{
+    int width = 0;
+    int decimals = 0;
+    double value = 0;
+    if (args.size() != 4 || args[0] != "fmt" || !gparse_astodbl(args[1].c_str(), &value) ||
+        !gparse_astoint(args[2].c_str(), &width) || !gparse_astoint(args[3].c_str(), &decimals) || width < 0 ||
+        width > 200 || decimals < -1 || decimals > 200) {
+        return usage_error(find("num"), "num takes fmt, a number, a width (0-200) and decimals (-1-200)");
+    }
+    std::vector<char> out(static_cast<size_t>(width > decimals + 3 ? width : decimals + 3) + 2);
+    auto show = [&](const char* name, unsigned int status) {
+        std::printf("%-14s %u  \"%s\"\n", name, status, out.data());
+    };
+    show("gparse_dbltoas", gparse_dbltoas(value, width, decimals, out.data()));
+    show("gparse_dblmxas", gparse_dblmxas(value, width, out.data()));
+    show("gparse_dblxxas", gparse_dblxxas(value, width, decimals, out.data()));
+    const float single = static_cast<float>(value);
+    show("gparse_flttoas", gparse_flttoas(single, width, decimals, out.data()));
+    show("gparse_fltmxas", gparse_fltmxas(single, width, out.data()));
+    show("gparse_fltxxas", gparse_fltxxas(single, width, decimals, out.data()));
+    int integer = 0;
+    if (gparse_astoint(args[1].c_str(), &integer)) {
+        show("gparse_inttoas", gparse_inttoas(integer, width, out.data()));
+    }
+    return 0;
+}
+
 } // namespace
 
 const std::vector<Command>& commands()
@@ -251,6 +342,9 @@ const std::vector<Command>& commands()
          "validate a name (the first illegal character, exit 1), or repair it with '_';\n"
          "                       KIND: identifier, indexed, workspace, design, node, component",
          run_name},
+        {"parse", "tql parse [--seps S] [--marks M] [--end C] [FILE]",
+         "split each line (of FILE or the input) into fields and print their type and value", run_parse},
+        {"num", "tql num fmt VALUE WIDTH DECIMALS", "print what each number formatter makes of VALUE", run_num},
         {"cp", "tql cp SRC DST [-r]",
          "copy a file, a wildcard set (\"dir/*.txt\") or, with -r, a directory tree", run_cp},
         {"rm", "tql rm PATH [-r]", "remove a file, a wildcard set or, with -r, a directory tree", run_rm},
