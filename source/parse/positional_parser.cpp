@@ -62,15 +62,22 @@ std::string slot_text(const char* line, unsigned int start, unsigned int end)
     return std::string(line + start, last - start + (end < length ? 1 : 0));
 }
 
+// Starts a positional parse: the header gets the line and a count of 0;
+// false when there is nothing to parse.
+bool begin(parseheader* hdr, const char* line, const char* seps)
+{
+    hdr->line = line;
+    hdr->count = 0;
+    return seps && *seps && line && *line;
+}
+
 } // namespace
 
 extern "C" {
 
 unsigned int gparse_parline2(const char* line, const char* seps, parseheader* hdr)
 {
-    hdr->line = line;
-    hdr->count = 0;
-    if (!seps || !*seps || !line || !*line) {
+    if (!begin(hdr, line, seps)) {
         return 0;
     }
     Slot open;
@@ -88,9 +95,7 @@ unsigned int gparse_parline2(const char* line, const char* seps, parseheader* hd
 
 unsigned int gparse_parline3(const char* line, const char* seps, parseheader* hdr)
 {
-    hdr->line = line;
-    hdr->count = 0;
-    if (!seps || !*seps || !line || !*line) {
+    if (!begin(hdr, line, seps)) {
         return 0;
     }
     Slot open;

@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <sstream>
 #include <stdexcept>
 
 namespace fs = std::filesystem;
@@ -36,6 +37,14 @@ std::string TempDir::write_file(const std::string& relative, const std::string& 
     fs::create_directories(file.parent_path());
     std::ofstream(file, std::ios::binary) << content;
     return file.string();
+}
+
+std::string read_file(const std::string& path)
+{
+    std::ifstream in(path, std::ios::binary);
+    std::stringstream text;
+    text << in.rdbuf();
+    return text.str();
 }
 
 ScopedEnv::ScopedEnv(const std::string& name, const std::optional<std::string>& value) : name_(name)

@@ -25,6 +25,9 @@ private:
     std::string path_;
 };
 
+// The whole content of a file ("" when it cannot be read).
+std::string read_file(const std::string& path);
+
 // Sets (or with nullopt, unsets) a process variable; restores it on
 // destruction.
 class ScopedEnv {
