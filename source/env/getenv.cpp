@@ -10,13 +10,6 @@
 
 namespace {
 
-void ensure_qt_settings()
-{
-    if (!qtCoreSettingsAreInitialized) {
-        initialize_qt_core_settings();
-    }
-}
-
 // The process-wide result buffer of tql_getenv. It is rewritten in place
 // while the value fits, so an earlier result pointer shows the newest
 // value; it only moves when a longer value needs more room.
@@ -37,7 +30,7 @@ extern "C" char* tql_getenv(const char* name)
     if (!name) {
         return nullptr;
     }
-    ensure_qt_settings();
+    ensure_qt_core_settings();
     QString value;
     if (!getenv_check_registry_qt(QString::fromLatin1(name), value)) {
         return nullptr;
@@ -52,12 +45,12 @@ bool getenv_and_registry_qt(const char* name, QString& value)
     if (!name) {
         return false;
     }
-    ensure_qt_settings();
+    ensure_qt_core_settings();
     return getenv_check_registry_qt(QString::fromLatin1(name), value);
 }
 
 bool getenv_and_registry_qt_2(const QString& name, QString& value)
 {
-    ensure_qt_settings();
+    ensure_qt_core_settings();
     return getenv_check_registry_qt(name, value);
 }

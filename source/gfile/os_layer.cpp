@@ -26,13 +26,6 @@ struct tql_DIR {
 
 namespace {
 
-void ensure_qt_settings()
-{
-    if (!qtCoreSettingsAreInitialized) {
-        initialize_qt_core_settings();
-    }
-}
-
 void store_entry(tql_DIR* dir, const std::string& name)
 {
     const size_t length = name.size() < sizeof dir->entry.d_name ? name.size() : sizeof dir->entry.d_name - 1;
@@ -53,7 +46,7 @@ tql_DIR* tql_opendir(const char* path)
     if (!path || !*path || path[std::strlen(path) - 1] == '*') {
         return nullptr;
     }
-    ensure_qt_settings();
+    ensure_qt_core_settings();
     std::string directory = path;
     if (directory.back() == '~') {
         QString home;
@@ -141,7 +134,7 @@ int tql_mkdir(const char* path, int mode)
     if (!path) {
         return -1;
     }
-    ensure_qt_settings();
+    ensure_qt_core_settings();
     const QString name = gfile_strip_dir_name_and_convert_qt(QString::fromUtf8(path));
     return make_directory(native_path(name.toUtf8().constData())) ? 0 : -1;
 }
@@ -151,7 +144,7 @@ int tql_forceDirectoryToExist(const char* path)
     if (!path) {
         return -1;
     }
-    ensure_qt_settings();
+    ensure_qt_core_settings();
     const QString name = gfile_strip_dir_name_and_convert_qt(QString::fromUtf8(path));
     return make_path(native_path(name.toUtf8().constData())) ? 0 : -1;
 }
@@ -173,7 +166,7 @@ int tql_fclose(FILE* f)
 
 const char* tql_tmpnam(char* buf)
 {
-    ensure_qt_settings();
+    ensure_qt_core_settings();
     std::string directory;
     if (const char* home = gui_env_get_sys(nullptr, "HOME")) {
         directory = native_path(home);

@@ -25,13 +25,6 @@ bool is_separator(char c)
     return c == '/' || c == '\\';
 }
 
-void ensure_qt_settings()
-{
-    if (!qtCoreSettingsAreInitialized) {
-        initialize_qt_core_settings();
-    }
-}
-
 // The current directory in library form ('\' separators).
 std::string current_directory_library_form()
 {
@@ -53,7 +46,7 @@ std::optional<std::string> canonical(const char* path)
     if (!path) {
         return std::nullopt;
     }
-    ensure_qt_settings();
+    ensure_qt_core_settings();
     std::string full;
     if (ZQ_path_is_absolute(path)) {
         full = path;
@@ -224,7 +217,7 @@ char* ZQ_get_canonical_directory_name(const char* dir)
     if (void** cached = cache->lookup(cache, dir)) {
         return ZQ_stringcopy(static_cast<const char*>(*cached));
     }
-    ensure_qt_settings();
+    ensure_qt_core_settings();
     const std::string remembered = current_directory();
     std::string absolute;
     if (change_directory(dir)) {

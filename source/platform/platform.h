@@ -125,6 +125,9 @@ std::string find_program(const std::string& program);
 // QString check it first.
 extern bool qtCoreSettingsAreInitialized;
 void initialize_qt_core_settings();
+// initialize_qt_core_settings unless it has run: the check every function
+// that builds a QString makes first.
+void ensure_qt_core_settings();
 
 // Looks `name` up in the process environment, then in the settings store
 // (the [General] keys of zqtarvex/environment.ini in $XDG_CONFIG_HOME, then

@@ -68,6 +68,13 @@ void initialize_qt_core_settings()
     qtCoreSettingsAreInitialized = true;
 }
 
+void ensure_qt_core_settings()
+{
+    if (!qtCoreSettingsAreInitialized) {
+        initialize_qt_core_settings();
+    }
+}
+
 bool getenv_check_registry_qt(const QString& name, QString& value)
 {
     if (name.isEmpty()) {
