@@ -3,6 +3,7 @@
 #include "env/env_store.h"
 
 #include <tql70/gmem.h>
+#include <tql70/zq_paths.h>
 
 #include <cassert>
 #include <cstring>
@@ -68,16 +69,6 @@ GuiEnvEntry* take_slot(GuiEnvLevel& level)
     return slot;
 }
 
-char* copy_value(const char* value)
-{
-    const size_t bytes = std::strlen(value) + 1;
-    char* copy = static_cast<char*>(gmem_ee_malloc(bytes, 1));
-    if (copy) {
-        std::memcpy(copy, value, bytes);
-    }
-    return copy;
-}
-
 } // namespace
 
 GuiEnvEntry* find_entry(GuiEnv env, const char* normalized, int level, bool include_deleted)
@@ -110,7 +101,7 @@ GuiEnvEntry* put_entry(GuiEnv env, const char* name, const char* value, int leve
             return entry;
         }
         char* copy = nullptr;
-        if (value && !(copy = copy_value(value))) {
+        if (value && !(copy = ZQ_stringcopy(value))) {
             return nullptr;
         }
         // An entry read from an included file stays ENV_INCLUDED even when
@@ -127,7 +118,7 @@ GuiEnvEntry* put_entry(GuiEnv env, const char* name, const char* value, int leve
         return nullptr;
     }
     char* copy = nullptr;
-    if (level != GUI_ENV_USERDATA && !(copy = copy_value(value))) {
+    if (level != GUI_ENV_USERDATA && !(copy = ZQ_stringcopy(value))) {
         return nullptr;
     }
     GuiEnvLevel& target = target_level(env, level);

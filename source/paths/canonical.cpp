@@ -68,15 +68,6 @@ std::optional<std::string> canonical(const char* path)
     return full;
 }
 
-char* copy_to_gmem(const std::string& text)
-{
-    char* copy = static_cast<char*>(gmem_ee_malloc(text.size() + 1, 1));
-    if (copy) {
-        std::memcpy(copy, text.c_str(), text.size() + 1);
-    }
-    return copy;
-}
-
 [[noreturn]] void malformed_long_form(const char* path)
 {
     std::fprintf(stderr, "tql70: malformed absolute directory name '%s'\n", path);
@@ -230,7 +221,7 @@ char* ZQ_get_canonical_directory_name(const char* dir)
             chosen = *resolved;
         }
     }
-    char* stored = copy_to_gmem(chosen);
+    char* stored = ZQ_stringcopy(chosen.c_str());
     if (!stored) {
         return nullptr;
     }
