@@ -9,6 +9,8 @@
 // before the conversion is trusted.
 #include <tql70/gparse.h>
 
+#include "parse/number_scan.h"
+
 #include <locale.h>
 #include <stdlib.h>
 
@@ -39,43 +41,15 @@ bool is_c_space(char c)
 }
 
 // Length of the decimal number that strtod would read at the start of
-// `text`, the white space it skips included; 0 when there is none:
-// [space] [+|-] (digits [. [digits]] | . digits) [(e|E) [+|-] digits].
-// An "e" not followed by exponent digits is not part of the number.
+// `text`, the white space it skips included; 0 when there is none.
 size_t decimal_prefix(const char* text)
 {
     const char* p = text;
     while (is_c_space(*p)) {
         ++p;
     }
-    if (*p == '+' || *p == '-') {
-        ++p;
-    }
-    size_t mantissa_digits = 0;
-    for (; is_digit(*p); ++p) {
-        ++mantissa_digits;
-    }
-    if (*p == '.') {
-        for (++p; is_digit(*p); ++p) {
-            ++mantissa_digits;
-        }
-    }
-    if (mantissa_digits == 0) {
-        return 0;
-    }
-    if (*p == 'e' || *p == 'E') {
-        const char* exponent = p + 1;
-        if (*exponent == '+' || *exponent == '-') {
-            ++exponent;
-        }
-        if (is_digit(*exponent)) {
-            while (is_digit(*exponent)) {
-                ++exponent;
-            }
-            p = exponent;
-        }
-    }
-    return static_cast<size_t>(p - text);
+    const size_t number = tql::parse::decimal_length(p, p + std::strlen(p));
+    return number ? static_cast<size_t>(p - text) + number : 0;
 }
 
 // Float bit patterns stored for values beyond the float limit.

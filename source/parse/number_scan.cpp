@@ -19,48 +19,47 @@ bool is_digit(char c)
     return c >= '0' && c <= '9';
 }
 
-// Whether the whole text is a decimal number that starts with '+', '-', '.'
-// or a digit and ends with '.' or a digit:
-// [+|-] (digits [. [digits]] | . digits) [(e|E) [+|-] digits].
+// Whether the whole text is a decimal number (which then starts with '+',
+// '-', '.' or a digit and ends with '.' or a digit).
 bool decimal_syntax(const char* p, const char* end)
 {
-    if (p == end || !(is_digit(end[-1]) || end[-1] == '.')) {
-        return false;
-    }
-    if (*p == '+' || *p == '-') {
+    return p != end && decimal_length(p, end) == static_cast<size_t>(end - p);
+}
+
+} // namespace
+
+size_t decimal_length(const char* begin, const char* end)
+{
+    const char* p = begin;
+    if (p != end && (*p == '+' || *p == '-')) {
         ++p;
     }
     size_t digits = 0;
-    while (p != end && is_digit(*p)) {
-        ++p;
+    for (; p != end && is_digit(*p); ++p) {
         ++digits;
     }
     if (p != end && *p == '.') {
-        ++p;
-        while (p != end && is_digit(*p)) {
-            ++p;
+        for (++p; p != end && is_digit(*p); ++p) {
             ++digits;
         }
     }
     if (digits == 0) {
-        return false;
+        return 0;
     }
     if (p != end && (*p == 'e' || *p == 'E')) {
-        ++p;
-        if (p != end && (*p == '+' || *p == '-')) {
-            ++p;
+        const char* exponent = p + 1;
+        if (exponent != end && (*exponent == '+' || *exponent == '-')) {
+            ++exponent;
         }
-        if (p == end || !is_digit(*p)) {
-            return false;
-        }
-        while (p != end && is_digit(*p)) {
-            ++p;
+        if (exponent != end && is_digit(*exponent)) {
+            while (exponent != end && is_digit(*exponent)) {
+                ++exponent;
+            }
+            p = exponent;
         }
     }
-    return p == end;
+    return static_cast<size_t>(p - begin);
 }
-
-} // namespace
 
 NumberReading read_number(const char* text, size_t length)
 {

@@ -15,6 +15,12 @@ struct NumberReading {
     int ival = 0;      // 0 unless is_int
 };
 
+// Length of the decimal number at the start of [begin, end), 0 when there
+// is none: [+|-] (digits [. [digits]] | . digits) [(e|E) [+|-] digits].
+// An "e" not followed by exponent digits is not part of the number. No
+// white space is skipped.
+size_t decimal_length(const char* begin, const char* end);
+
 // Types `length` characters at `text` by the number and integer rules.
 NumberReading read_number(const char* text, size_t length);
 
