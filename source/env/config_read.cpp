@@ -1,6 +1,7 @@
 // Reading configuration files into environment levels: lines of any
 // length, comments, include lines and NAME=value lines.
 #include "env/env_store.h"
+#include "env/config_text.h"
 
 #include "platform/platform.h"
 
@@ -12,11 +13,8 @@
 
 namespace {
 
-// White space below 128 (bytes of 128 and above are never space).
-bool bytes_trailing_space(unsigned char c)
-{
-    return c < 128 && std::isspace(c);
-}
+using tql::env::skip_leading;
+using tql::env::trim_trailing;
 
 // Reads one line, whatever its length, without its line feed; false at
 // the end of the file.
@@ -32,21 +30,6 @@ bool read_whole_line(FILE* file, std::string& line)
         }
     }
     return !line.empty();
-}
-
-void trim_trailing(std::string& text)
-{
-    while (!text.empty() && bytes_trailing_space(static_cast<unsigned char>(text.back()))) {
-        text.pop_back();
-    }
-}
-
-size_t skip_leading(const std::string& text, size_t from = 0)
-{
-    while (from < text.size() && bytes_trailing_space(static_cast<unsigned char>(text[from]))) {
-        ++from;
-    }
-    return from;
 }
 
 bool starts_with_separator(const std::string& name)

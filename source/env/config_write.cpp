@@ -3,6 +3,7 @@
 // lines and the order of the lines; the original is replaced only once the
 // new text is complete, so a failed write never loses the user's file.
 #include "env/env_store.h"
+#include "env/config_text.h"
 
 #include <tql70/gfile.h>
 #include <tql70/tql_os.h>
@@ -17,22 +18,11 @@
 
 namespace {
 
-bool is_space(unsigned char c)
-{
-    return c < 128 && std::isspace(c);
-}
-
 std::string trimmed(const std::string& text)
 {
-    size_t begin = 0;
-    size_t end = text.size();
-    while (begin < end && is_space(static_cast<unsigned char>(text[begin]))) {
-        ++begin;
-    }
-    while (end > begin && is_space(static_cast<unsigned char>(text[end - 1]))) {
-        --end;
-    }
-    return text.substr(begin, end - begin);
+    std::string copy = text.substr(tql::env::skip_leading(text));
+    tql::env::trim_trailing(copy);
+    return copy;
 }
 
 bool needs_writing(const GuiEnvLevel& level)
@@ -80,11 +70,7 @@ bool rewrite(FILE* in, FILE* out, GuiEnv env, int level_number)
         }
         char upper[GUI_ENV_NAME_MAX + 1];
         tql::env::normalize_name(trimmed(line.substr(0, equals)).c_str(), upper);
-        size_t value_start = equals + 1;
-        while (value_start < line.size() && is_space(static_cast<unsigned char>(line[value_start]))) {
-            ++value_start;
-        }
-        const std::string value = line.substr(value_start);
+        const std::string value = line.substr(tql::env::skip_leading(line, equals + 1));
         GuiEnvEntry* entry = tql::env::find_entry(env, upper, level_number, true);
         if (!entry) {
             // The untrimmed value keeps its own line end, so an empty line
@@ -95,9 +81,7 @@ bool rewrite(FILE* in, FILE* out, GuiEnv env, int level_number)
             entry->state = ENV_CLEAN;
         } else if (entry->state != ENV_DELETED) {
             std::string kept = value;
-            while (!kept.empty() && is_space(static_cast<unsigned char>(kept.back()))) {
-                kept.pop_back();
-            }
+            tql::env::trim_trailing(kept);
             ok = write_entry(out, upper, kept.c_str());
         }
     }
