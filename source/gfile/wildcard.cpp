@@ -1,18 +1,9 @@
-// Wildcard names of the file operations, and their error reporting.
+// Wildcard names of the file operations.
 #include "gfile/gfile_internal.h"
 
-#include <tql70/gerror.h>
-
-#include <cerrno>
 #include <cstring>
 
 namespace tql::gfile {
-
-void fail(int code, int line)
-{
-    gerror_set_all_errors(code, errno);
-    gerror_display_debug_info("source/gfile", line);
-}
 
 bool has_wildcard(const char* name)
 {
