@@ -61,24 +61,17 @@ int run_errors(const Args& args)
     return 0;
 }
 
-// Expands a text in the default environment, growing the output buffer to
-// the size the library asks for.
 int run_expand(const Args& args)
 {
     if (args.size() != 1) {
         return usage_error(find("expand"), "expand takes one text");
     }
-    std::vector<char> out(1024);
-    int result;
-    while ((result = gui_env_expand_str(out.data(), args[0].c_str(), static_cast<int>(out.size()),
-                                        static_cast<GuiEnv>(nullptr))) > 0) {
-        out.resize(static_cast<size_t>(result));
-    }
-    if (result < 0) {
+    std::string expanded;
+    if (!expand_text(args[0].c_str(), nullptr, expanded)) {
         std::fprintf(stderr, "tql: '%s' expands to nothing\n", args[0].c_str());
         return 1;
     }
-    std::printf("%s\n", out.data());
+    std::printf("%s\n", expanded.c_str());
     return 0;
 }
 
@@ -355,6 +348,18 @@ const std::vector<Command>& commands()
          run_path},
     };
     return all;
+}
+
+bool expand_text(const char* text, GuiEnv env, std::string& out)
+{
+    std::vector<char> buffer(1024);
+    int result;
+    while ((result = gui_env_expand_str(buffer.data(), text, static_cast<int>(buffer.size()), env,
+                                        static_cast<GuiEnv>(nullptr))) > 0) {
+        buffer.resize(static_cast<size_t>(result));
+    }
+    out = result == 0 ? std::string(buffer.data()) : std::string();
+    return result == 0;
 }
 
 int usage_error(const Command& command, const std::string& message)

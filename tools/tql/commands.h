@@ -3,6 +3,8 @@
 #ifndef TQL70_TOOLS_TQL_COMMANDS_H
 #define TQL70_TOOLS_TQL_COMMANDS_H
 
+#include <tql70/gui_env.h>
+
 #include <string>
 #include <vector>
 
@@ -19,6 +21,11 @@ struct Command {
 
 // Every subcommand, in the order --help lists them.
 const std::vector<Command>& commands();
+
+// The expansion of `text` in `env` (null: the default environment), the
+// buffer grown to the size the library asks for; false when it expands to
+// nothing.
+bool expand_text(const char* text, GuiEnv env, std::string& out);
 
 // tql env (env_commands.cpp).
 int run_env(const Args& args);

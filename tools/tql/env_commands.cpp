@@ -51,17 +51,6 @@ std::string native(const std::string& path)
     return out.c_str();
 }
 
-std::string expanded(GuiEnv env, const char* value)
-{
-    std::vector<char> out(4096);
-    int result;
-    while ((result = gui_env_expand_str(out.data(), value, static_cast<int>(out.size()), env,
-                                        static_cast<GuiEnv>(nullptr))) > 0) {
-        out.resize(static_cast<size_t>(result));
-    }
-    return result == 0 ? std::string(out.data()) : std::string();
-}
-
 struct Definition {
     const char* label;
     const GuiEnvEntry* entry;
@@ -89,8 +78,8 @@ void print_definitions(GuiEnv env, const std::string& name, const std::vector<De
     const Definition& winner = list.front();
     const char* value = winner.entry->value ? winner.entry->value : "";
     std::printf("%s=%s\n", name.c_str(), value);
-    const std::string expansion = expanded(env, value);
-    if (expansion != value) {
+    std::string expansion;
+    if (expand_text(value, env, expansion) && expansion != value) {
         std::printf("    expands to: %s\n", expansion.c_str());
     }
     for (size_t i = 0; i < list.size(); ++i) {
