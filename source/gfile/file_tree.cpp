@@ -10,6 +10,7 @@
 
 #include <QString>
 
+#include <cerrno>
 #include <cstring>
 #include <string>
 #include <vector>
@@ -123,6 +124,13 @@ bool copy_entry(DirectoryPath& from, DirectoryPath& to, const std::string& name,
     case EntryKind::kDirectory:
         if (!recursive) {
             return true;
+        }
+        // A tree copied into itself would grow without end: the copy stops
+        // where it meets its own destination.
+        if (from.is_root_of(name, to)) {
+            errno = EINVAL;
+            fail_at(from.name_of(name), kWriteError, __LINE__);
+            return false;
         }
         // An existing directory of the same name makes the copy fail:
         // creating it fails.

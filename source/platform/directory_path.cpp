@@ -196,6 +196,13 @@ EntryKind DirectoryPath::kind(const std::string& name, bool follow) const
     return S_ISLNK(st.st_mode) ? EntryKind::kSymlink : EntryKind::kOther;
 }
 
+bool DirectoryPath::is_root_of(const std::string& name, const DirectoryPath& walk) const
+{
+    struct stat st;
+    return !walk.levels_.empty() && status(name, false, st) && st.st_dev == walk.levels_[0].device &&
+           st.st_ino == walk.levels_[0].inode;
+}
+
 bool DirectoryPath::make_directory(const std::string& name, int mode) const
 {
     return ::mkdirat(deepest(), name.c_str(), static_cast<mode_t>(mode)) == 0;

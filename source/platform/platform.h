@@ -152,6 +152,9 @@ public:
     // Every entry name other than "." and "..", in listing order.
     bool list(std::vector<std::string>& names) const;
     EntryKind kind(const std::string& name, bool follow) const;
+    // Whether the entry `name` (not followed) is the root directory of
+    // `walk`.
+    bool is_root_of(const std::string& name, const DirectoryPath& walk) const;
     bool status(const std::string& name, bool follow, struct stat& st) const;
     bool make_directory(const std::string& name, int mode) const;
     // unlinkat of a file or link, or of an empty directory.

@@ -231,10 +231,12 @@ TEST_F(GfileTree, WalkFailureNamesTheEntryAndTheReason)
     } cases[] = {
         {"a file where a directory is made", [&] { dir_.write_file("out/sub", "f"); },
          [&] { return gfile_cp(src_.c_str(), out.c_str(), 1); }, 25, EEXIST, out + "/sub", true},
+        {"a copy into its own tree", [] {},
+         [&] { return gfile_cp(src_.c_str(), (src_ + "/sub/in").c_str(), 1); }, 25, EINVAL, src_ + "/sub/in", true},
         {"a FIFO is refused, not read", [&] { mkfifo((src_ + "/sub/deep/pipe").c_str(), 0644); },
          [&] { return gfile_cp(src_.c_str(), out.c_str(), 1); }, 23, EOPNOTSUPP, src_ + "/sub/deep/pipe", true},
         {"a file that cannot be removed",
-         [&] { fs::remove(src_ + "/sub/deep/pipe"), chmod((src_ + "/sub/deep").c_str(), 0555); },
+         [&] { fs::remove_all(src_ + "/sub/in"), fs::remove(src_ + "/sub/deep/pipe"), chmod((src_ + "/sub/deep").c_str(), 0555); },
          [&] { return gfile_rm(src_.c_str(), 1); }, 26, EACCES, src_ + "/sub/deep/d.txt", false},
     };
     for (const auto& c : cases) {
