@@ -115,7 +115,8 @@ TQL70_API int gfile_append_line_to_file(const char* dst, const char* line);
 TQL70_API int gfile_cp(const char* src, const char* dst, int recursive);
 /* Removes a file, the files of a wildcard name, or with `recursive` a
  * directory and everything below it (symbolic links are removed, never
- * followed). A failure does not stop a walk; the answer is then 0. */
+ * followed). A failure does not stop a walk; the answer is then 0 and
+ * gfile_error_path names the first failure. */
 TQL70_API int gfile_rm(const char* path, int recursive);
 /* chmod of a file or of every entry matching a wildcard name (directories
  * are not entered); 1 when all succeeded. */
