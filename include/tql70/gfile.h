@@ -108,16 +108,24 @@ TQL70_API int gfile_append_line_to_file(const char* dst, const char* line);
 /* Copies a file (into a directory when `dst` is one), the files of a
  * wildcard name such as "dir\*.txt" (into a directory, not descending), or
  * with `recursive` a directory tree (`dst` is created when missing; an
- * existing plain file refuses it). Names over 1,024 characters are refused.
- * A failure stops the copy and leaves what was copied. */
+ * existing plain file refuses it; symbolic links inside it are copied as
+ * links, never followed). Names over 1,024 characters are refused; paths
+ * inside a tree may be of any length. A failure stops the copy and leaves
+ * what was copied; gfile_error_path names where it stopped. */
 TQL70_API int gfile_cp(const char* src, const char* dst, int recursive);
 /* Removes a file, the files of a wildcard name, or with `recursive` a
  * directory and everything below it (symbolic links are removed, never
- * followed). A failure does not stop a walk; the answer is then 0. */
+ * followed). A failure does not stop a walk; the answer is then 0 and
+ * gfile_error_path names the first failure. */
 TQL70_API int gfile_rm(const char* path, int recursive);
 /* chmod of a file or of every entry matching a wildcard name (directories
  * are not entered); 1 when all succeeded. */
 TQL70_API int gfile_chmod(const char* path, int mode);
+/* The name (with '\' separators) of the entry at which the last gfile_cp
+ * or gfile_rm that failed inside a tree stopped or first failed; its
+ * reason is in GuiErrno and the system error. "" when the last call did
+ * not fail inside a tree. Valid until the next gfile_cp or gfile_rm. */
+TQL70_API const char* gfile_error_path(void);
 
 /* ---- directories ---- */
 

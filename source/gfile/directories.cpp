@@ -13,6 +13,7 @@
 #include <cstdio>
 #include <cstring>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -105,26 +106,63 @@ long long kilobytes_clamped(long long bytes)
     return kb > INT_MAX ? INT_MAX : kb;
 }
 
+void not_a_directory(const std::string& name)
+{
+    std::fprintf(stderr, "gfile: %s is not a directory \n", name.c_str());
+}
+
+// The bytes of every entry below `directory`, "." and ".." of each listing
+// included, sizes taken through symbolic links. Subdirectories whose names
+// begin with '.' and symbolic links are counted, never entered, so a link
+// to an ancestor cannot make the walk endless; the walk keeps its own stack
+// of directories, so neither the depth of a tree nor the length of its
+// names limits it.
 long long tree_bytes(const std::string& directory)
 {
-    tql_DIR* dir = opendir_utf8(directory.c_str());
-    if (!dir) {
-        std::fprintf(stderr, "gfile: %s is not a directory \n", directory.c_str());
+    DirectoryPath walk(directory);
+    if (!walk.open_root()) {
+        not_a_directory(directory);
         return 0;
     }
     long long total = 0;
-    while (tql_dirent* entry = tql_readdir(dir)) {
-        const std::string name = directory + '\\' + entry->d_name;
-        // Symbolic links are counted, never entered, so a link to an
-        // ancestor cannot make the walk endless.
-        if (entry->d_name[0] != '.' && is_directory_utf8(name.c_str()) && !path_status(name.c_str()).is_symlink) {
-            total += tree_bytes(name);
+    std::vector<std::vector<std::string>> pending; // entries still to count, by level
+    auto start_level = [&] {
+        pending.emplace_back();
+        if (!walk.list(pending.back())) {
+            not_a_directory(walk.name_of(""));
+            return;
         }
-        if (tql_stat(name.c_str(), nullptr) == 0) {
-            total += filesize_utf8(name.c_str());
+        struct stat st;
+        for (const char* self : {".", ".."}) {
+            if (walk.status(self, true, st)) {
+                total += st.st_size;
+            }
+        }
+    };
+    start_level();
+    while (!pending.empty()) {
+        if (pending.back().empty()) {
+            pending.pop_back();
+            if (!pending.empty() && !walk.leave()) {
+                not_a_directory(walk.name_of(""));
+                break;
+            }
+            continue;
+        }
+        const std::string name = std::move(pending.back().back());
+        pending.back().pop_back();
+        struct stat st;
+        if (walk.status(name, true, st)) {
+            total += st.st_size;
+        }
+        if (name[0] != '.' && walk.kind(name, false) == EntryKind::kDirectory) {
+            if (walk.enter(name)) {
+                start_level();
+            } else {
+                not_a_directory(walk.name_of(name));
+            }
         }
     }
-    tql_closedir(dir);
     return total;
 }
 

@@ -1,5 +1,6 @@
 // The tree operations: gfile_cp and gfile_rm of a file, a wildcard set of
 // files or a directory tree, and gfile_chmod of a file or a wildcard set.
+// Trees are walked by open directory, never through a symbolic link.
 #include <tql70/gfile.h>
 #include <tql70/tql_os.h>
 #include <tql70/zq_paths.h>
@@ -9,8 +10,10 @@
 
 #include <QString>
 
+#include <cerrno>
 #include <cstring>
 #include <string>
+#include <vector>
 
 using namespace tql::gfile;
 
@@ -82,49 +85,205 @@ bool for_each_match(const std::string& directory, const char* pattern, Visit vis
     return ok;
 }
 
-bool copy_walk(const std::string& source, const char* pattern, const std::string& destination, bool recursive)
+// One directory of a tree walk: its matching entries, the next to handle,
+// and (for removal) whether every one handled so far went.
+struct Pending {
+    std::vector<std::string> names;
+    size_t next = 0;
+    bool all_removed = true;
+};
+
+// Opens a level of the walk on the stack of pending directories: the
+// entries of the deepest directory of `walk` that match `pattern`.
+bool push_level(const DirectoryPath& walk, const char* pattern, std::vector<Pending>& pending)
 {
-    return for_each_match(source, pattern, [&](const std::string& name) {
-        const std::string from = with_separator(source) + name;
-        const std::string to = with_separator(destination) + name;
-        const int type = gfile_type(from.c_str());
-        if (type == 0) {
-            return false;
+    pending.emplace_back();
+    std::vector<std::string> names;
+    if (!walk.list(names)) {
+        return false;
+    }
+    for (std::string& name : names) {
+        if (wildcard_match(name.c_str(), pattern)) {
+            pending.back().names.push_back(std::move(name));
         }
-        if (type == GFILE_TYPE_DIRECTORY) {
-            // An existing directory of the same name makes the copy fail:
-            // creating it fails.
-            return !recursive ||
-                   (tql_mkdir(with_separator(to).c_str(), 0755) == 0 && copy_walk(from, "*", to, true));
-        }
-        return gfile_copy(from.c_str(), to.c_str()) == 1;
-    });
+    }
+    return true;
 }
 
-// Removes the matching entries of `directory`. A failure does not stop the
-// walk; it only makes the answer false. Symbolic links are removed as links,
-// never followed, so a walk cannot reach outside the tree it was given.
-bool remove_walk(const std::string& directory, const char* pattern, bool recursive)
+// Copies one entry of a copy walk; false (reported) stops the walk. A
+// recursive walk copies a symbolic link as a link and enters only real
+// directories; the non-recursive walk of a wildcard set copies what a link
+// leads to and skips directories.
+bool copy_entry(DirectoryPath& from, DirectoryPath& to, const std::string& name, bool recursive,
+                std::vector<Pending>& pending)
 {
-    bool all_removed = true;
-    const bool listed = for_each_match(directory, pattern, [&](const std::string& name) {
-        const std::string full = with_separator(directory) + name;
-        const int type = gfile_type(full.c_str());
-        if (type == 0 && !path_status(full.c_str()).is_symlink) {
-            return false;
-        }
-        if (type == GFILE_TYPE_DIRECTORY && !path_status(full.c_str()).is_symlink) {
-            if (recursive && !(remove_walk(full, "*", true) && remove_directory(native_path(full.c_str())))) {
-                all_removed = false;
-            }
+    switch (from.kind(name, !recursive)) {
+    case EntryKind::kMissing:
+        fail_at(from.name_of(name), kCannotFind, __LINE__);
+        return false;
+    case EntryKind::kDirectory:
+        if (!recursive) {
             return true;
         }
-        if (!remove_file(native_path(full.c_str()))) {
-            all_removed = false;
+        // A tree copied into itself would grow without end: the copy stops
+        // where it meets its own destination.
+        if (from.is_root_of(name, to)) {
+            errno = EINVAL;
+            fail_at(from.name_of(name), kWriteError, __LINE__);
+            return false;
+        }
+        // An existing directory of the same name makes the copy fail:
+        // creating it fails.
+        if (!to.make_directory(name, 0755)) {
+            fail_at(to.name_of(name), kWriteError, __LINE__);
+            return false;
+        }
+        if (!from.enter(name)) {
+            fail_at(from.name_of(name), kCannotOpen, __LINE__);
+            return false;
+        }
+        if (!to.enter(name)) {
+            fail_at(to.name_of(name), kCannotOpen, __LINE__);
+            return false;
+        }
+        if (!push_level(from, "*", pending)) {
+            fail_at(from.name_of(""), kReadError, __LINE__);
+            return false;
         }
         return true;
-    });
-    return listed && all_removed;
+    case EntryKind::kSymlink: {
+        std::string target;
+        if (!from.read_link(name, target)) {
+            fail_at(from.name_of(name), kReadError, __LINE__);
+            return false;
+        }
+        if (!to.make_link(name, target)) {
+            fail_at(to.name_of(name), kWriteError, __LINE__);
+            return false;
+        }
+        return true;
+    }
+    default:
+        break;
+    }
+    switch (from.copy_file(name, !recursive, to)) {
+    case EntryCopy::kDone:
+        return true;
+    case EntryCopy::kCannotOpenSource:
+        fail_at(from.name_of(name), kCannotOpen, __LINE__);
+        return false;
+    case EntryCopy::kCannotOpenTarget:
+        fail_at(to.name_of(name), kCannotOpen, __LINE__);
+        return false;
+    case EntryCopy::kReadError:
+        fail_at(from.name_of(name), kReadError, __LINE__);
+        return false;
+    case EntryCopy::kWriteError:
+        break;
+    }
+    fail_at(to.name_of(name), kWriteError, __LINE__);
+    return false;
+}
+
+// Copies the entries of `source` matching `pattern` into `destination`,
+// with `recursive` the subdirectories too. The walk keeps its own stack of
+// directories, so the depth of a tree is bounded by memory, not by the
+// length of its names or the size of the call stack.
+bool copy_walk(const std::string& source, const char* pattern, const std::string& destination, bool recursive)
+{
+    DirectoryPath from(source);
+    DirectoryPath to(destination);
+    std::vector<Pending> pending;
+    if (!from.open_root() || !push_level(from, pattern, pending)) {
+        fail_at(source, kCannotOpen, __LINE__);
+        return false;
+    }
+    if (!to.open_root()) {
+        fail_at(destination, kCannotOpen, __LINE__);
+        return false;
+    }
+    while (!pending.empty()) {
+        Pending& level = pending.back();
+        if (level.next == level.names.size()) {
+            pending.pop_back();
+            if (!pending.empty() && !(from.leave() && to.leave())) {
+                fail_at(from.name_of(""), kCannotOpen, __LINE__);
+                return false;
+            }
+            continue;
+        }
+        const std::string name = level.names[level.next++];
+        if (!copy_entry(from, to, name, recursive, pending)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+// Removes the entries of `directory` matching `pattern`, with `recursive`
+// the subdirectories and everything below them. A failure does not stop
+// the walk; it only makes the answer false, and the first one is reported.
+// An entry that vanished stops the walk. Symbolic links are removed as
+// links, never followed, so a walk cannot reach outside the tree it was
+// given.
+bool remove_walk(const std::string& directory, const char* pattern, bool recursive)
+{
+    DirectoryPath walk(directory);
+    std::vector<Pending> pending;
+    if (!walk.open_root() || !push_level(walk, pattern, pending)) {
+        fail_at(directory, kCannotOpen, __LINE__);
+        return false;
+    }
+    bool reported = false;
+    auto failed = [&](const std::string& name, int code, int line) {
+        if (!reported) {
+            fail_at(name, code, line);
+            reported = true;
+        }
+    };
+    for (;;) {
+        Pending& level = pending.back();
+        if (level.next == level.names.size()) {
+            const bool emptied = level.all_removed;
+            pending.pop_back();
+            if (pending.empty()) {
+                return emptied;
+            }
+            if (!walk.leave()) {
+                failed(walk.name_of(""), kCannotOpen, __LINE__);
+                return false;
+            }
+            Pending& parent = pending.back();
+            const std::string& emptied_name = parent.names[parent.next - 1];
+            if (!emptied) {
+                parent.all_removed = false;
+            } else if (!walk.remove(emptied_name, true)) {
+                failed(walk.name_of(emptied_name), kCannotDelete, __LINE__);
+                parent.all_removed = false;
+            }
+            continue;
+        }
+        const std::string name = level.names[level.next++];
+        const EntryKind kind = walk.kind(name, false);
+        if (kind == EntryKind::kMissing) {
+            failed(walk.name_of(name), kCannotFind, __LINE__);
+            return false;
+        }
+        if (kind != EntryKind::kDirectory) {
+            if (!walk.remove(name, false)) {
+                failed(walk.name_of(name), kCannotDelete, __LINE__);
+                level.all_removed = false;
+            }
+        } else if (recursive) {
+            if (!walk.enter(name)) {
+                failed(walk.name_of(name), kCannotOpen, __LINE__);
+                level.all_removed = false;
+            } else if (!push_level(walk, "*", pending)) {
+                failed(walk.name_of(""), kReadError, __LINE__);
+                pending.back().all_removed = false;
+            }
+        }
+    }
 }
 
 } // namespace
@@ -133,6 +292,7 @@ extern "C" {
 
 int gfile_cp(const char* src, const char* dst, int recursive)
 {
+    forget_failed_name();
     if (!src || !dst || std::strlen(src) > kPathLimit || std::strlen(dst) > kPathLimit) {
         return 0;
     }
@@ -172,6 +332,7 @@ int gfile_cp(const char* src, const char* dst, int recursive)
 
 int gfile_rm(const char* path, int recursive)
 {
+    forget_failed_name();
     if (!path || std::strlen(path) > kPathLimit) {
         return 0;
     }
@@ -183,7 +344,14 @@ int gfile_rm(const char* path, int recursive)
         return split_wildcard(name, directory, pattern) && remove_walk(directory, pattern.c_str(), false);
     }
     if (type == GFILE_TYPE_DIRECTORY && !path_status(name.c_str()).is_symlink) {
-        return recursive && remove_walk(name, "*", true) && remove_directory(native_path(name.c_str()));
+        if (!recursive || !remove_walk(name, "*", true)) {
+            return 0;
+        }
+        if (!remove_directory(native_path(name.c_str()))) {
+            fail_at(name, kCannotDelete, __LINE__);
+            return 0;
+        }
+        return 1;
     }
     if (type == 0 && !path_status(name.c_str()).is_symlink) {
         return 0;

@@ -1,9 +1,11 @@
 // Internal helpers shared by the gfile operations: wildcard names, error
-// codes with the debug banner, and names too long for the work buffers.
+// codes with the debug banner and the name where a tree walk stopped, and
+// names too long for the work buffers.
 #ifndef TQL70_SOURCE_GFILE_GFILE_INTERNAL_H
 #define TQL70_SOURCE_GFILE_GFILE_INTERNAL_H
 
 #include <cstddef>
+#include <string>
 
 namespace tql::gfile {
 
@@ -24,6 +26,11 @@ enum Code {
 // Sets GuiErrno to `code` with the current errno and shows the debug
 // banner for `line` of the file operations.
 void fail(int code, int line);
+// fail() for a tree walk that stopped at `name` (library form), which
+// gfile_error_path then gives; forget_failed_name() clears it when a new
+// operation starts.
+void fail_at(const std::string& name, int code, int line);
+void forget_failed_name();
 
 // Whether `name` holds '*' or '?'.
 bool has_wildcard(const char* name);

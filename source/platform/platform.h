@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <sys/stat.h>
 #include <string>
+#include <vector>
 
 class QString;
 
@@ -118,6 +119,71 @@ std::string system_name();
 // The full native path of the executable `program` found on PATH (a name
 // with a '/' is checked as it is); "" when none.
 std::string find_program(const std::string& program);
+
+// ---- tree walks (names relative to open directories) ------------------
+
+// What a name in a directory is; with `follow` a symbolic link is looked
+// through, and a dangling one is kMissing.
+enum class EntryKind { kMissing, kFile, kDirectory, kSymlink, kOther };
+
+enum class EntryCopy { kDone, kCannotOpenSource, kCannotOpenTarget, kReadError, kWriteError };
+
+// The open directories from the root of a tree walk down to the directory
+// being walked. Each level is opened relative to the one above it, so inner
+// paths of any length can be walked, and a symbolic link is never entered.
+// Only the deepest few levels keep a descriptor open; a level whose
+// descriptor was closed is reopened through ".." of the level below when
+// the walk climbs back, and must still be the same directory. Every call
+// works in the deepest level; a failing one returns false (kMissing) with
+// errno set.
+class DirectoryPath {
+public:
+    // `root` in library form; it is followed when it is a symbolic link.
+    explicit DirectoryPath(std::string root);
+    ~DirectoryPath();
+    DirectoryPath(const DirectoryPath&) = delete;
+    DirectoryPath& operator=(const DirectoryPath&) = delete;
+
+    bool open_root();
+    // Descends into the subdirectory `name` (never through a link).
+    bool enter(const std::string& name);
+    // Climbs back to the level above.
+    bool leave();
+    // Every entry name other than "." and "..", in listing order.
+    bool list(std::vector<std::string>& names) const;
+    EntryKind kind(const std::string& name, bool follow) const;
+    // Whether the entry `name` (not followed) is the root directory of
+    // `walk`.
+    bool is_root_of(const std::string& name, const DirectoryPath& walk) const;
+    bool status(const std::string& name, bool follow, struct stat& st) const;
+    bool make_directory(const std::string& name, int mode) const;
+    // unlinkat of a file or link, or of an empty directory.
+    bool remove(const std::string& name, bool directory) const;
+    bool read_link(const std::string& name, std::string& target) const;
+    bool make_link(const std::string& name, const std::string& target) const;
+    // Copies the regular file `name` to a new or emptied file of that name
+    // in the deepest level of `into`, with the source's access and
+    // modification times; permissions are not copied. Without `follow`
+    // neither name may be a symbolic link. Anything but a regular file is
+    // refused (kCannotOpenSource, EOPNOTSUPP) rather than read, so a FIFO
+    // cannot block the walk.
+    EntryCopy copy_file(const std::string& name, bool follow, const DirectoryPath& into) const;
+    // The library-form name of `entry` in the deepest level; of that level
+    // itself for "".
+    std::string name_of(const std::string& entry) const;
+
+private:
+    struct Level {
+        std::string name;
+        int fd;
+        dev_t device;
+        ino_t inode;
+    };
+    int deepest() const { return levels_.back().fd; }
+    std::string root_;
+    std::vector<Level> levels_;
+    size_t first_open_ = 0; // levels from here down hold open descriptors
+};
 
 // ---- settings store (stands in for the registry) -----------------------
 

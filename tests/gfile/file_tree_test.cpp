@@ -2,26 +2,36 @@
 // directory.
 #include "support/scoped_env.h"
 
+#include <tql70/gerror.h>
 #include <tql70/gfile.h>
 
 #include <gtest/gtest.h>
 
 #include <filesystem>
 #include <fstream>
+#include <algorithm>
+#include <cerrno>
+#include <fcntl.h>
+#include <functional>
 #include <set>
+#include <sys/resource.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace tql_test {
 namespace {
 
 namespace fs = std::filesystem;
 
-// Every file and directory below `root`, relative, directories with '/'.
+// Every file and directory below `root`, relative, directories with '/',
+// symbolic links (never followed) with '@'.
 std::set<std::string> tree(const std::string& root)
 {
     std::set<std::string> names;
     for (const auto& entry : fs::recursive_directory_iterator(root)) {
-        names.insert(fs::relative(entry.path(), root).string() + (entry.is_directory() ? "/" : ""));
+        const fs::file_status status = entry.symlink_status();
+        const char* mark = fs::is_symlink(status) ? "@" : fs::is_directory(status) ? "/" : "";
+        names.insert(entry.path().lexically_relative(root).string() + mark);
     }
     return names;
 }
@@ -109,6 +119,143 @@ TEST_F(GfileTree, RemoveAndChmod)
     EXPECT_EQ(gfile_chmod((dir_.path() + "/nodir/*.txt").c_str(), 0600), 0);
     EXPECT_EQ(gfile_rm(src_.c_str(), 1), 1);
     EXPECT_FALSE(fs::exists(src_));
+}
+
+// `levels` nested directories `name` under `root` with a file "leaf" of
+// `bytes` bytes at the bottom, made level by level so the innermost path may
+// exceed the system's path limit.
+void make_chain(const std::string& root, int levels, const std::string& name, size_t bytes)
+{
+    int fd = open(root.c_str(), O_RDONLY | O_DIRECTORY);
+    for (int i = 0; i < levels; ++i) {
+        mkdirat(fd, name.c_str(), 0755);
+        const int next = openat(fd, name.c_str(), O_RDONLY | O_DIRECTORY);
+        close(fd);
+        fd = next;
+    }
+    const int leaf = openat(fd, "leaf", O_WRONLY | O_CREAT, 0644);
+    EXPECT_EQ(write(leaf, std::string(bytes, 'x').data(), bytes), static_cast<ssize_t>(bytes));
+    close(leaf);
+    close(fd);
+}
+
+// The depth of such a chain and the size of its leaf (-1 when missing).
+std::pair<int, long> measure_chain(const std::string& root, const std::string& name)
+{
+    int fd = open(root.c_str(), O_RDONLY | O_DIRECTORY);
+    int depth = 0;
+    for (int next; (next = openat(fd, name.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW)) >= 0; ++depth) {
+        close(fd);
+        fd = next;
+    }
+    struct stat st;
+    const long size = fstatat(fd, "leaf", &st, 0) == 0 ? static_cast<long>(st.st_size) : -1;
+    close(fd);
+    return {depth, size};
+}
+
+TEST_F(GfileTree, LinksInsideTreesAreCopiedAsLinks)
+{
+    const std::string outside = dir_.path() + "/outside";
+    dir_.write_file("outside/big.txt", "o");
+    const struct {
+        const char* name;
+        std::string target;
+    } cases[] = {
+        {"to_outside", outside},    // would copy a folder into the tree
+        {"to_ancestor", ".."},      // a loop through the tree's own parent
+        {"ping", "pong"},           // two links naming each other
+        {"pong", "ping"},
+    };
+    for (const auto& c : cases) {
+        fs::create_symlink(c.target, src_ + "/sub/" + c.name);
+    }
+    const std::string copy = dir_.path() + "/copy";
+    ASSERT_EQ(gfile_cp(src_.c_str(), copy.c_str(), 1), 1);
+    EXPECT_EQ(tree(copy), tree(src_));
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        const fs::path link = copy + "/sub/" + c.name;
+        EXPECT_TRUE(fs::is_symlink(link));
+        EXPECT_EQ(fs::read_symlink(link).string(), c.target);
+    }
+    EXPECT_EQ(gfile_rm(copy.c_str(), 1), 1);
+    EXPECT_EQ(gfile_rm(src_.c_str(), 1), 1);
+    EXPECT_EQ(tree(outside), std::set<std::string>{"big.txt"}); // never followed
+}
+
+TEST(GfileTreeDepth, LongAndDeepTreesAreCopiedMeasuredAndRemoved)
+{
+    const struct {
+        int levels;
+        std::string name;
+    } cases[] = {
+        {6, std::string(200, 'n')}, // inner paths over 1 KB
+        {2000, "dd"},               // 2,000 levels, over the system's path limit
+    };
+    // Few descriptors: a walk that kept one open per level would run out.
+    struct rlimit saved;
+    getrlimit(RLIMIT_NOFILE, &saved);
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.levels);
+        TempDir dir;
+        const std::string src = dir.path() + "/src";
+        const std::string copy = dir.path() + "/copy";
+        fs::create_directory(src);
+        make_chain(src, c.levels, c.name, 70000);
+        const struct rlimit few = {64, saved.rlim_max};
+        setrlimit(RLIMIT_NOFILE, &few);
+        const int copied = gfile_cp(src.c_str(), copy.c_str(), 1);
+        const int kilobytes = gfile_dirsize(copy.c_str());
+        setrlimit(RLIMIT_NOFILE, &saved);
+        EXPECT_EQ(copied, 1) << gfile_error_path();
+        EXPECT_EQ(measure_chain(copy, c.name), std::make_pair(c.levels, 70000L));
+        EXPECT_GE(kilobytes, 68); // the leaf was reached
+        EXPECT_EQ(gfile_rm(copy.c_str(), 1), 1) << gfile_error_path();
+        EXPECT_EQ(gfile_rm(src.c_str(), 1), 1) << gfile_error_path();
+        EXPECT_FALSE(fs::exists(src) || fs::exists(copy));
+    }
+}
+
+TEST_F(GfileTree, WalkFailureNamesTheEntryAndTheReason)
+{
+    const std::string out = dir_.path() + "/out";
+    const struct {
+        const char* what;
+        std::function<void()> prepare;
+        std::function<int()> run;
+        int code;
+        int system_error;
+        std::string stopped_at;
+        bool as_root; // root ignores permissions
+    } cases[] = {
+        {"a file where a directory is made", [&] { dir_.write_file("out/sub", "f"); },
+         [&] { return gfile_cp(src_.c_str(), out.c_str(), 1); }, 25, EEXIST, out + "/sub", true},
+        {"a copy into its own tree", [] {},
+         [&] { return gfile_cp(src_.c_str(), (src_ + "/sub/in").c_str(), 1); }, 25, EINVAL, src_ + "/sub/in", true},
+        {"a FIFO is refused, not read", [&] { mkfifo((src_ + "/sub/deep/pipe").c_str(), 0644); },
+         [&] { return gfile_cp(src_.c_str(), out.c_str(), 1); }, 23, EOPNOTSUPP, src_ + "/sub/deep/pipe", true},
+        {"a file that cannot be removed",
+         [&] { fs::remove_all(src_ + "/sub/in"), fs::remove(src_ + "/sub/deep/pipe"), chmod((src_ + "/sub/deep").c_str(), 0555); },
+         [&] { return gfile_rm(src_.c_str(), 1); }, 26, EACCES, src_ + "/sub/deep/d.txt", false},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        if (!c.as_root && geteuid() == 0) {
+            continue;
+        }
+        fs::remove_all(out);
+        c.prepare();
+        gerror_set_all_errors(0, 0);
+        EXPECT_EQ(c.run(), 0);
+        EXPECT_EQ(gerror_get_error(), c.code);
+        EXPECT_EQ(gerror_get_system_error(), c.system_error);
+        std::string stopped_at = gfile_error_path(); // library form
+        std::replace(stopped_at.begin(), stopped_at.end(), '\\', '/');
+        EXPECT_EQ(stopped_at, c.stopped_at);
+        EXPECT_EQ(gfile_cp(src_.c_str(), (dir_.path() + "/none").c_str(), 0), 0);
+        EXPECT_STREQ(gfile_error_path(), ""); // cleared by the next call
+    }
 }
 
 } // namespace

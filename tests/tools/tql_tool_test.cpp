@@ -211,4 +211,15 @@ TEST(TqlTool, BadArgumentsAreUsageErrors)
     }
 }
 
+TEST(TqlTool, TreeWalkFailureNamesTheEntryAndTheReason)
+{
+    tql_test::TempDir dir;
+    dir.write_file("src/sub/a.txt", "a");
+    dir.write_file("out/sub", "a file where the copy needs a directory");
+    const ToolRun run = tql("cp " + dir.path() + "/src " + dir.path() + "/out -r", true);
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.out, "tql: cannot copy " + dir.path() + "/src: " + dir.path() +
+                           "/out/sub: Error writing file (File exists)\n");
+}
+
 } // namespace

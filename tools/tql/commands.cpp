@@ -99,11 +99,18 @@ int run_path(const Args& args)
 }
 
 // Prints the library's text of the last file error, or a generic one when
-// the operation reports failure by its result alone.
+// the operation reports failure by its result alone. A walk through a tree
+// also names the entry where it stopped and the system's reason.
 int file_failure(const char* what, const std::string& path)
 {
     const int code = gerror_get_error();
-    if (code >= 22 && code <= 28) {
+    const std::string stopped_at = gfile_error_path();
+    if (code >= 22 && code <= 28 && !stopped_at.empty()) {
+        std::vector<char> native(stopped_at.size() + 1);
+        tql_native_path(stopped_at.c_str(), native.data());
+        std::fprintf(stderr, "tql: %s %s: %s: %s (%s)\n", what, path.c_str(), native.data(),
+                     gerror_get_error_message(), gerror_get_system_error_message());
+    } else if (code >= 22 && code <= 28) {
         std::fprintf(stderr, "tql: %s %s: %s\n", what, path.c_str(), gerror_get_error_message());
     } else {
         std::fprintf(stderr, "tql: %s %s\n", what, path.c_str());
