@@ -111,8 +111,20 @@ bool fixed_digits(double v, long long decimals, Digits& digits)
         if (!exponent_digits(v, 1, lead)) {
             return false;
         }
+        // The leading digit's place comes from a one-digit rounding, which
+        // puts it one place too high when that rounding carried (9.9e-20 gives
+        // "1" at 10^-19): the digits are then asked for again with the place
+        // of the first full answer, so that the last one falls on the last
+        // decimal.
         const long long reach = lead.point + decimals;
-        return reach >= 1 && exponent_digits(v, reach, digits);
+        if (reach < 1 || !exponent_digits(v, reach, digits)) {
+            return false;
+        }
+        const long long exact_reach = digits.point + decimals;
+        if (exact_reach < static_cast<long long>(digits.length)) {
+            return exact_reach >= 1 && exponent_digits(v, exact_reach, digits);
+        }
+        return true;
     }
     return digits.length > 0;
 }
@@ -239,6 +251,15 @@ bool format_fixed(double v, long long width, long long decimals, const Precision
     const long long integer_digits = point > 0 ? point : 0;
     if (fixed_only && (point > 1 ? point : 1) > width - decimals - 2) {
         return false;
+    }
+    // The test on the value above is made in binary and lets through values
+    // whose rounded digits are one integer digit wider (-1e17 is not above
+    // 10^17 - 10^-38): the text is measured from its digits, and one that
+    // would not fit in its max(width, decimals + 3) characters goes to
+    // exponent notation.
+    const long long text_length = (v < 0 ? 1 : 0) + (point > 1 ? point : 1) + 1 + decimals;
+    if (text_length > (width > decimals + 3 ? width : decimals + 3)) {
+        return format_exponent(v, width, precision, out);
     }
     // The digit string is read as padded with zeros to point + decimals
     // digits, which fills in the decimals past the 17 that fcvt_r gives.
