@@ -7,6 +7,7 @@
 #include <tql70/base64.h>
 #include <tql70/gfile.h>
 #include <tql70/gparse.h>
+#include <tql70/gui_env.h>
 #include <tql70/platform.h>
 #include <tql70/tql_os.h>
 #include <tql70/zq_arrays.h>
@@ -127,6 +128,13 @@ const std::vector<Row>& rows()
         {"setdefpath", false, [](const Input&) { return TQL70_PATH_BUFFER_SIZE; }, [](const Input& in, char* b) { std::snprintf(b, TQL70_PATH_BUFFER_SIZE, "%s", in.n & 1 ? "." : ".."); gfile_setdefpath(b); }},
         {"getdefpath", false, [](const Input& in) { return std::max(in.n, 1); }, [](const Input& in, char* b) { gfile_getdefpath(b, std::max(in.n, 1)); }},
         {"tmpnam", true, [](const Input&) { return TQL70_PATH_BUFFER_SIZE; }, [](const Input&, char* b) { tql_tmpnam(b); }},
+        {"expand_system_only", false, [](const Input& in) { return std::max(in.n, 1); }, [](const Input& in, char* b) { gui_env_expand_str_system_only(b, in.text.c_str(), std::max(in.n, 1), nullptr, nullptr); }},
+        {"extract_path", false, [](const Input& in) { return std::max(in.n, 1); }, [](const Input& in, char* b) { gui_env_extract_path(b, in.text.c_str(), 0, std::max(in.n, 1), nullptr, nullptr); }},
+        {"getline_limited", false, [](const Input& in) { return std::max(in.n, 1); }, [](const Input& in, char* b) {
+             std::string text = in.text + "\n";
+             FILE* f = fmemopen(&text[0], text.size(), "r");
+             gfile_getline_limited(f, b, std::max(in.n, 1));
+             std::fclose(f); }},
         {"int32_to_bin", false, [](const Input&) { return 4; }, [](const Input& in, char* b) { atql_int32_to_bin(in.n, reinterpret_cast<unsigned char*>(b)); }},
         {"base64_encode", false, [](const Input& in) { return (length(in.text) + 2) / 3 * 4 + length(in.text) / 54 + 2 + 4; }, [](const Input& in, char* b) {
              base64_encodestate s; base64_init_encodestate(&s);
@@ -143,7 +151,7 @@ std::vector<Input> inputs()
 {
     const std::vector<std::string> texts = {"", " ", "a", "  ab  ;x;y;z", "-.5", ".5", "+.5", "-.5e-400", "1.50E+003",
                                             " 007.500 ", "C:\\dir\\file.ext", "a/b/c.d.e", "\\\\srv\\x", "x:", "1(2,3)",
-                                            "line1\nline2", "QUJDRA==", std::string(1100, 'd')};
+                                            "line1\nline2", "QUJDRA==", "$HOME/x;${HOME}:c", std::string(1100, 'd')};
     const std::vector<int> counts = {-1, 0, 1, 3, 12, 40};
     const std::vector<double> values = {9.92456e-20, -1e17, 0.0, -0.5, 1e300, -3.4e38, 99.995, std::nan("")};
     std::vector<Input> all;
@@ -155,7 +163,7 @@ std::vector<Input> inputs()
         }
     }
     std::mt19937 random(20261123);
-    const std::string alphabet = " .-+eE0123456789;/\\:abcZ\n(,)";
+    const std::string alphabet = " .-+eE0123456789;/\\:abcZ\n(,)${}";
     for (int i = 0; i < 3000; ++i) {
         std::string text(random() % 40, ' ');
         for (char& c : text) {
@@ -177,6 +185,7 @@ TEST(BufferContract, EveryWriterKeepsToItsStatedSize)
     tql_test::TempDir dir;
     tql_test::ScopedCurrentDirectory here(dir.path());
     tql_test::ScopedEnv home("HOME", dir.path());
+    tql_test::ScopedSettingsStore store({});
     for (const Input& in : inputs()) {
         for (const Row& row : rows()) {
             SCOPED_TRACE(std::string(row.name) + " text \"" + in.text.substr(0, 40) + "\" n " + std::to_string(in.n) + " m " + std::to_string(in.m));
