@@ -148,6 +148,18 @@ int register_all()
              const int extra = x >= 1 ? static_cast<int>(std::floor(std::log10(x))) : 0;
              snprintf_fixed(v, kMostWidth - 3 - extra, o);
          });
+    pair("fltmxas", fixed_floats, [](float v, char* o) { gparse_fltmxas(v, kMostWidth, o); },
+         [](float v, char* o) {
+             const double x = std::fabs(v);
+             const int extra = x >= 1 ? static_cast<int>(std::floor(std::log10(x))) : 0;
+             snprintf_fixed(v, kMostWidth - 3 - extra, o);
+         });
+    std::vector<float> exponent_floats;
+    for (const double v : exponent) {
+        exponent_floats.push_back(static_cast<float>(std::fmod(v, 1e38)));
+    }
+    pair("flttoas_exponent", exponent_floats, [](float v, char* o) { gparse_flttoas(v, kExponentWidth, 2, o); },
+         [](float v, char* o) { std::snprintf(o, 64, "%.*e", kExponentWidth - 7, v); });
     pair("dbltoas_exponent", exponent, [](double v, char* o) { gparse_dbltoas(v, kExponentWidth, 2, o); },
          [](double v, char* o) { snprintf_exponent(v, kExponentWidth - 8, o); });
     pair("inttoas", integer_values(), [](int v, char* o) { gparse_inttoas(v, 11, o); },
