@@ -39,8 +39,9 @@ TQL70_BEGIN_DECLS
  * suffix is valid. */
 TQL70_API const char* astr_kps_valid_name(const char* name, int kind, int allow_dot);
 
-/* Copies `name` into `output` with every character that is illegal for
- * `kind` replaced by `replacement`, and returns 1; 0 for a null name.
+/* Copies `name` into `output` (strlen(name) + 1 bytes; it may be `name`)
+ * with every character that is illegal for `kind` replaced by
+ * `replacement`, and returns 1; 0 for a null name.
  * Deliberate differences from astr_kps_valid_name: an identifier (or
  * indexed) name that begins with a digit is copied unchanged; in design
  * names '$' and '%' are reported illegal but are kept; an invalid index
@@ -130,7 +131,7 @@ TQL70_API int astr_remove_extent(char* path);
  * text ended without a line feed. At most `max` characters are kept
  * (`line` needs max + 1 bytes): of a longer line the character after them
  * is skipped and the returned pointer is the one after it, where the rest
- * of the line continues. */
+ * of the line continues. A negative `max` writes nothing and gives null. */
 TQL70_API const char* astr_extract_line_from_multilines(const char* text, char* line, int max);
 
 /* A new identifier made from a data set name: '_' in front of a leading

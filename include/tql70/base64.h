@@ -1,5 +1,14 @@
 /* libb64's encoder and decoder, exported by tql70 as libb64 declares them.
- * The guards are libb64's own, so this header and libb64's may be mixed. */
+ * The guards are libb64's own, so this header and libb64's may be mixed.
+ * These are libb64's functions unchanged: they take no null pointers.
+ *
+ * Output sizes (a call may write more bytes than it returns):
+ * base64_encode_block: (length_in + 2) / 3 * 4 + length_in / 54 + 2 bytes
+ *   (four characters per three bytes, a line feed after every 72);
+ * base64_encode_blockend: 4 bytes;
+ * base64_decode_block: length_in * 3 / 4 + 2 bytes (a group left open at
+ *   the end has its next byte started in plaintext_out, beyond the count
+ *   returned; the next call completes it from the state). */
 #ifndef TQL70_BASE64_H
 #define TQL70_BASE64_H
 

@@ -1,4 +1,5 @@
-/* Export and linkage macros shared by every tql70 header. */
+/* Export and linkage macros shared by every tql70 header, and the size of
+ * the path buffers the interface asks for. */
 #ifndef TQL70_EXPORT_H
 #define TQL70_EXPORT_H
 
@@ -21,5 +22,11 @@
 #  define TQL70_END_DECLS
 #  define TQL70_BOOL _Bool
 #endif
+
+/* Bytes of a path buffer: the functions whose output is a path the caller
+ * cannot size beforehand (gfile_setdefpath, tql_tmpnam, ZQ_canonical_path
+ * and its relatives) take a buffer of this size and fail, writing nothing,
+ * when the path with its NUL would not fit. */
+#define TQL70_PATH_BUFFER_SIZE 1024
 
 #endif /* TQL70_EXPORT_H */

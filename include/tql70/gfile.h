@@ -30,8 +30,9 @@ TQL70_API int gfile_filcls(FILE* fp);
 TQL70_API int gfile_filend(FILE* fp);
 /* 1 when the stream's error indicator is set. */
 TQL70_API int gfile_filerr(FILE* fp);
-/* fread / fwrite of `count` items of `size` bytes; 1 unless the error
- * indicator is set afterwards (a short read at end of file succeeds). */
+/* fread / fwrite of `count` items of `size` bytes (buf holds size * count
+ * bytes); 1 unless the error indicator is set afterwards (a short read at
+ * end of file succeeds). */
 TQL70_API int gfile_getfilbuf(FILE* fp, size_t size, size_t count, void* buf);
 TQL70_API int gfile_putfilbuf(FILE* fp, size_t size, size_t count, const void* buf);
 /* Stores the next byte (0xFF at end of file); 0 only when both the error
@@ -44,9 +45,10 @@ TQL70_API int gfile_getfilptr(FILE* fp, long* pos);
 /* Seeks to the absolute position / to the start; 1 on success. */
 TQL70_API int gfile_putfilptr(FILE* fp, long pos);
 TQL70_API int gfile_resetfilptr(FILE* fp);
-/* gfile_getline_limited(fp, buf, GFILE_LINE_MAX). */
+/* gfile_getline_limited(fp, buf, GFILE_LINE_MAX): buf holds GFILE_LINE_MAX
+ * bytes. */
 TQL70_API int gfile_getline(FILE* fp, char* buf);
-/* Reads one line into buf (at most n - 1 characters; the rest of a longer
+/* Reads one line into buf of n bytes (at most n - 1 characters; the rest of a longer
  * line is read and thrown away), cut at its first CR, LF or Ctrl-Z. 0 at
  * end of file, or when the line starts with Ctrl-Z (the end-of-file mark). */
 TQL70_API int gfile_getline_limited(FILE* fp, char* buf, int n);
@@ -82,7 +84,7 @@ TQL70_API char* gfile_win_os(void);
 
 /* 1 when the open text file starts with an encrypted header line that
  * decrypts: its number and word are stored and the stream is left after
- * the header. Otherwise 0 with the stream rewound (GuiErrno 28 when it
+ * the header; `word` needs GFILE_LINE_MAX bytes. Otherwise 0 with the stream rewound (GuiErrno 28 when it
  * cannot be, 24 when the first line cannot be read). */
 TQL70_API int gfile_encrypted(FILE* stream, int* number, char* word);
 
@@ -133,11 +135,14 @@ TQL70_API const char* gfile_error_path(void);
  * missing parent when `parents` is set. $NAME and %NAME% components are
  * replaced by the process variable (an unset one prints a message and
  * fails). A path beginning with '\' or "C:\" is walked from its third
- * character, as it always has been. 1 on success (also when it exists). */
+ * character, as it always has been. 1 on success (also when it exists).
+ * Only the separators of `path` are rewritten; the expanded text is never
+ * written back, so the buffer needs nothing beyond strlen(path) + 1. */
 TQL70_API int gfile_mkdir(char* path, int parents, int mode);
 /* 1 when the directory exists and is writable or could be created (with
  * `parents`: judged by its deepest existing ancestor; without: only the
- * last component may be missing). Nothing is created. */
+ * last component may be missing). Nothing is created; `path` is converted
+ * in place as by gfile_mkdir and never grows. */
 TQL70_API int gfile_makebledir(char* path, int parents);
 /* Kilobytes of everything below `dir` (at most 2,147,483,647); names
  * beginning with '.' and symbolic links are not entered. */
@@ -147,8 +152,9 @@ TQL70_API int gfile_dirsize(const char* dir);
 TQL70_API int gfile_freedir_space(char* dir);
 /* Rewrites the directory name `dir` in place as the absolute name of the
  * current directory it leads to (native separators) followed by one '\';
- * 0 when it is empty or cannot be entered. The current directory is
- * changed for the call and restored. */
+ * `dir` is a buffer of TQL70_PATH_BUFFER_SIZE bytes. 0, with `dir` only
+ * converted to '\', when it is empty, cannot be entered or the name does
+ * not fit. The current directory is changed for the call and restored. */
 TQL70_API int gfile_setdefpath(char* dir);
 /* The current directory in library form with a trailing '\'; 0 for a null
  * buffer or when it does not fit in `size` bytes. */
@@ -176,24 +182,26 @@ TQL70_API char* gfile_getext(const char* name);
  * separator ('/' or '\'), else 0; returns *pos >= 1. A leading dot counts. */
 TQL70_API int gfile_hasext(const char* name, int* pos);
 
-/* Copies `name` without its extension into `out`. */
+/* Copies `name` without its extension into `out` (strlen(name) + 1 bytes). */
 TQL70_API void gfile_stripext(const char* name, char* out);
 
 /* Gives `name` the extension `ext` (without the dot): an existing one is
  * kept unless `replace` is set. '/' becomes '\' in every case. The buffer
- * must hold the result. Returns `name`. */
+ * needs strlen(name) + strlen(ext) + 2 bytes. Returns `name` (null for null). */
 TQL70_API char* gfile_filext(char* name, int replace, const char* ext);
 
 /* *pos = one-based position of the last ':' or '\' ('/' is not seen),
  * else 0; returns *pos >= 1. Reports any directory or drive prefix. */
 TQL70_API int gfile_hasdrv(const char* name, int* pos);
 
-/* Copies what follows the prefix found by gfile_hasdrv into `out`. */
+/* Copies what follows the prefix found by gfile_hasdrv into `out`
+ * (strlen(name) + 1 bytes). */
 TQL70_API void gfile_stripdrv(const char* name, char* out);
 
 /* Gives `name` the directory or drive prefix `prefix` (an existing prefix
  * is kept unless `replace` is set), '/' becoming '\' and a '\' put between
- * them unless `prefix` is empty or ends in one. */
+ * them unless `prefix` is empty or ends in one. The buffer needs
+ * strlen(name) + strlen(prefix) + 2 bytes. */
 TQL70_API void gfile_fildrv(char* name, int replace, const char* prefix);
 
 /* Removes one trailing '\' (a last '/' of a longer string is converted

@@ -9,22 +9,25 @@
 TQL70_BEGIN_DECLS
 
 /* Conventions of the helpers below: arguments go source first, then a
- * length, then the destination. Output buffers belong to the caller and are
- * not checked; a null output makes a call do nothing. A null input text
+ * length, then the destination. Output buffers belong to the caller; each
+ * function states the bytes its output needs and never writes more. A null
+ * output makes a call do nothing (and fail where it has a status). A null input text
  * counts as "" unless a comment says otherwise. Lengths, positions and
  * widths below 0 count as 0. "Blank" means the space character only (not
  * TAB), and case changes touch the ASCII letters only. */
 
-/* Copies `src` into `dst`, terminating NUL included. */
+/* Copies `src` into `dst`, terminating NUL included: strlen(src) + 1 bytes. */
 TQL70_API void gparse_cpystr(const char* src, char* dst);
 
 /* Bounded copy. n = 0 writes nothing at all; when strlen(src) <= n the whole
  * text is copied with its NUL (bytes after that NUL stay untouched);
- * otherwise the first n characters and a NUL at dst[n]. */
+ * otherwise the first n characters and a NUL at dst[n]. dst needs
+ * min(strlen(src), n) + 1 bytes. */
 TQL70_API void gparse_strncpy(const char* src, int n, char* dst);
 
 /* Bounded copy that may work in place. Different buffers: n = 0 gives "",
- * else as gparse_strncpy. dst == src: the text is cut at n when longer. */
+ * else as gparse_strncpy. dst == src: the text is cut at n when longer. dst needs
+ * min(strlen(src), n) + 1 bytes. */
 TQL70_API void gparse_cpystrl(const char* src, char* dst, int n);
 
 /* Fixed-width copy: dst is exactly n characters, the text padded with blanks
@@ -32,35 +35,36 @@ TQL70_API void gparse_cpystrl(const char* src, char* dst, int n);
 TQL70_API void gparse_cpystrn(const char* src, int n, char* dst);
 
 /* Left-justified fixed-width copy: as gparse_cpystrn after skipping the
- * leading blanks of `src`. dst may equal src. */
+ * leading blanks of `src` (n + 1 bytes). dst may equal src. */
 TQL70_API void gparse_szstrlj(const char* src, int n, char* dst);
 
 /* Right-justified fixed-width copy: a text of at most n characters gets
  * blanks on its left up to exactly n; a longer one is cut to its first n
- * characters (n = 0 gives ""). dst may equal src. */
+ * characters (n = 0 gives ""). dst needs n + 1 bytes and may equal src. */
 TQL70_API void gparse_szstrrj(const char* src, int n, char* dst);
 
-/* out = a followed by b. out may equal a or b: b is copied aside with the
+/* out = a followed by b (strlen(a) + strlen(b) + 1 bytes). out may equal a or b: b is copied aside with the
  * library allocator first; when that allocation fails out becomes "". */
 TQL70_API void gparse_addstr(const char* a, const char* b, char* out);
 
 /* out is exactly n characters: when strlen(a) >= n, a padded or cut to n;
  * else a followed by b padded or cut to the n - strlen(a) remaining
- * positions. out may equal a or b. */
+ * positions; n + 1 bytes. out may equal a or b. */
 TQL70_API void gparse_addstrn(const char* a, const char* b, int n, char* out);
 
 /* When strlen(dst) < n, dst becomes the first n characters of dst followed by
- * src (so at most n characters in all); otherwise dst is left unchanged. src
- * may be dst itself. */
+ * src (so at most n characters in all: n + 1 bytes); otherwise dst is left
+ * unchanged. src may be dst itself. */
 TQL70_API void gparse_strncat(const char* src, int n, char* dst);
 
 /* out = the characters of `text` at positions from..to inclusive, ending
  * early at the end of the text; "" when from > to or from lies beyond the
- * text. out may equal text. */
+ * text. out needs to - from + 2 bytes (at most strlen(text) + 1) and may
+ * equal text. */
 TQL70_API void gparse_strtostr(const char* text, int from, int to, char* out);
 
-/* dst = src without its leading and trailing blanks (TABs are kept). dst may
- * equal src. A null src writes nothing. */
+/* dst = src without its leading and trailing blanks (TABs are kept), at most
+ * strlen(src) + 1 bytes. dst may equal src. A null src writes nothing. */
 TQL70_API void gparse_strpbl(const char* src, char* dst);
 
 /* Replaces every TAB of `text` by one blank, in place. */
@@ -77,8 +81,8 @@ TQL70_API char* gparse_uptolow(char* text);
 /* strlen; 0 for null. */
 TQL70_API int gparse_strlength(const char* text);
 
-/* Writes a NUL at text[n], whatever the current length, and returns text.
- * A null text or a negative n writes nothing. */
+/* Writes a NUL at text[n], whatever the current length, and returns text
+ * (text needs n + 1 bytes). A null text or a negative n writes nothing. */
 TQL70_API char* gparse_setstrlength(char* text, int n);
 
 /* 1 when a and b hold the same bytes, else 0; null and "" are equal. */
@@ -155,11 +159,11 @@ TQL70_API unsigned int gparse_astoflt(const char* text, float* out);
 
 /* Decimal text of `value` ("-" for negatives, no padding, no "+"), when sign
  * and digits fit in `width`. On failure the result is 0 and: for a negative
- * value out becomes ""; for any other value out is left as it was. Nothing
- * is ever written outside out. */
+ * value out becomes ""; for any other value out is left as it was. out
+ * needs min(width, 11) + 1 bytes (at least 1). */
 TQL70_API unsigned int gparse_lngtoas(int value, int width, char* out);
 
-/* gparse_lngtoas, and out set to "" on failure. */
+/* gparse_lngtoas, and out set to "" on failure; the same size. */
 TQL70_API unsigned int gparse_inttoas(int value, int width, char* out);
 
 /* Fixed notation with `decimals` digits after the point, falling back to
@@ -176,7 +180,8 @@ TQL70_API unsigned int gparse_inttoas(int value, int width, char* out);
 TQL70_API unsigned int gparse_dbltoas(double value, int width, int decimals, char* out);
 
 /* As gparse_dbltoas for a float: exponent notation has width - 7 digits
- * after the point and a two-digit exponent, and needs a width of at least 8. */
+ * after the point and a two-digit exponent, and needs a width of at least 8.
+ * out needs max(width, decimals + 3) + 1 bytes. */
 TQL70_API unsigned int gparse_flttoas(float value, int width, int decimals, char* out);
 
 /* As gparse_dbltoas with the most decimals that fit in `width`: width - 3
@@ -184,16 +189,19 @@ TQL70_API unsigned int gparse_flttoas(float value, int width, int decimals, char
  * below 1). out needs width + 1 bytes. */
 TQL70_API unsigned int gparse_dblmxas(double value, int width, char* out);
 
-/* gparse_dblmxas for a float, with the float exponent notation. */
+/* gparse_dblmxas for a float, with the float exponent notation; width + 1
+ * bytes. */
 TQL70_API unsigned int gparse_fltmxas(float value, int width, char* out);
 
 /* Fixed notation only: as gparse_dbltoas without the exponent fallback for
  * large and small values (every value below 10^-decimals gives the zero
  * text). Fails, with out "", when the integer part needs more than
- * width - decimals - 2 digits. decimals < 0 still gives exponent notation. */
+ * width - decimals - 2 digits. decimals < 0 still gives exponent notation.
+ * out needs max(width, decimals + 3) + 1 bytes. */
 TQL70_API unsigned int gparse_dblxxas(double value, int width, int decimals, char* out);
 
-/* gparse_dblxxas for a float (float exponent notation for decimals < 0). */
+/* gparse_dblxxas for a float (float exponent notation for decimals < 0);
+ * the same size. */
 TQL70_API unsigned int gparse_fltxxas(float value, int width, int decimals, char* out);
 
 /* Splits `value` into *mantissa (|m| from 1 up to 10, negative for negative
@@ -208,7 +216,9 @@ TQL70_API void gparse_cnvt_double_e_format(double value, double* mantissa, doubl
  * (one "0" stays before the point), trailing zeros of the fraction, a bare
  * point, a "+" sign, and in an exponent its "+" sign and leading zeros; an
  * exponent of zero is dropped and the exponent letter becomes "e". A zero
- * value gives "0" (no sign). "007.500" gives "7.5", "-1.50E+003" gives
+ * value gives "0" (no sign). A bare leading point gets a "0" in front only
+ * where the result still fits in the text's own length (".50" gives "0.5",
+ * ".5" and "-.5" stay as they are). "007.500" gives "7.5", "-1.50E+003" gives
  * "-1.5e3", "100" stays "100". A text that is not a number is copied
  * unchanged and the result is 0. out may equal text and needs
  * strlen(text) + 1 bytes. A null out writes nothing. */
@@ -228,7 +238,8 @@ TQL70_API unsigned int gparse_cnvt_from_e_to_string(const char* text, char* out)
  * blanks are dropped, then gparse_cnvt_from_e_to_string and
  * gparse_cnvt_string_stripped_zeros: "1.500e+001" gives "15", "  0.050"
  * gives "0.05". Its result and failure text (" ") are those of
- * gparse_cnvt_from_e_to_string. out may equal text. */
+ * gparse_cnvt_from_e_to_string, and so is its size: strlen(text) +
+ * |exponent| + 2 bytes. out may equal text. */
 TQL70_API unsigned int gparse_cnvt_string_string_stripped(const char* text, char* out);
 
 /* gparse_dbltoas(value, width, decimals) with width and decimals each capped
@@ -321,7 +332,9 @@ TQL70_API unsigned int gparse_parline3(const char* line, const char* seps, parse
 
 /* ---- fields of a parsed line ---- */
 
-/* The text of field `index` (0-based); 0 with out untouched for a bad index. */
+/* The text of field `index` (0-based); 0 with out untouched for a bad index.
+ * out needs the field's length + 1 bytes (end - start + 2), at most
+ * strlen(line) + 1. */
 TQL70_API unsigned int gparse_getclump(parserec* rec, int index, char* out);
 TQL70_API unsigned int gparse_getclump_mem(parserecMem* rec, int index, char* out);
 /* The integer value; 0 with *out = 0 when the field is not an integer. */
@@ -333,15 +346,18 @@ TQL70_API unsigned int gparse_d_relclump_mem(parserecMem* rec, int index, double
 TQL70_API unsigned int gparse_s_relclump(parserec* rec, int index, float* out);
 TQL70_API unsigned int gparse_s_relclump_mem(parserecMem* rec, int index, float* out);
 /* The line from the start of field `first` to the end of field `last`,
- * separators included; returns the address of the output's terminating NUL.
- * Indices outside the parsed fields give "". */
+ * separators included; returns the address of the output's terminating NUL
+ * (null for a null out). Indices outside the parsed fields give "". out
+ * needs the span's length + 1 bytes, at most strlen(line) + 1. */
 TQL70_API char* gparse_getplinstr(parserec* rec, int first, int last, char* out);
 TQL70_API char* gparse_getplinstr_mem(parserecMem* rec, int first, int last, char* out);
 /* Slot `index` (0..2) of gparse_parline2, stripped of blanks; the last slot
- * loses its final character (the line end) unless it is one character. */
+ * loses its final character (the line end) unless it is one character. out
+ * needs the stripped text's length + 1 bytes, at most strlen(line) + 1. */
 TQL70_API unsigned int gparse_getclump2(parseheader* hdr, int index, char* out);
 /* Slot `index` (0..3) of gparse_parline3, stripped of blanks, followed by a
- * second NUL: out needs two bytes beyond the text. */
+ * second NUL: out needs the stripped text's length + 2 bytes, at most
+ * strlen(line) + 2. */
 TQL70_API unsigned int gparse_getclump3(parseheader* hdr, int index, char* out);
 
 TQL70_END_DECLS

@@ -46,15 +46,17 @@ TQL70_API int tql_forceDirectoryToExist(const char* path);
 
 /* fopen of the library-form name. */
 TQL70_API FILE* tql_fopen(const char* name, const char* mode);
-/* fgets. */
+/* fgets into buf of n bytes; null for a null buf or stream or n < 1. */
 TQL70_API char* tql_fgets(char* buf, int n, FILE* f);
 /* fclose; 0 for null. */
 TQL70_API int tql_fclose(FILE* f);
 
 /* A new temporary file name (in HOME, else TMPDIR, else /tmp, with the
  * default prefix) that does not exist when it is made; valid until the
- * next call. With `buf`, the name followed by a rand() value (the
- * generator reseeded with the time) is also written there. */
+ * next call. With `buf`, a buffer of TQL70_PATH_BUFFER_SIZE bytes, the name
+ * followed by a rand() value (the generator reseeded with the time) is also
+ * written there; when that does not fit, buf becomes "" and the result is
+ * null. */
 TQL70_API const char* tql_tmpnam(char* buf);
 
 /* Sets the prefix of tql_tmpnam: taken when none is set yet, or when it has

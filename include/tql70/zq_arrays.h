@@ -37,8 +37,8 @@ TQL70_API void ZQ_free_character_array(char** array, long long count);
  * Values beyond the 64-bit range stop at its limits. */
 TQL70_API long long ZQ_atoll(const char* s);
 
-/* Store the low 16 (or all 32) bits of `value` in buf, most significant
- * byte first. The _bin_to_ and _to_bin names are the same operation. */
+/* Store the low 16 (or all 32) bits of `value` in buf (2 or 4 bytes), most
+ * significant byte first; a null buf is not written. The _bin_to_ and _to_bin names are the same operation. */
 TQL70_API void atql_bin_to_int16(int value, unsigned char* buf);
 TQL70_API void atql_int16_to_bin(int value, unsigned char* buf);
 TQL70_API void atql_bin_to_int32(int value, unsigned char* buf);

@@ -16,13 +16,14 @@ TQL70_BEGIN_DECLS
 TQL70_API void ZQ_fixup_path(char* path);
 
 /* The absolute canonical form of `path` (relative names are joined to the
- * current directory) written into `out`, which must be large enough;
- * returns `out`, or null when `path` is null or reduces to nothing ("./"),
- * leaving `out` untouched. */
+ * current directory) written into `out`, a buffer of TQL70_PATH_BUFFER_SIZE
+ * bytes; returns `out`, or null when `path` or `out` is null, `path`
+ * reduces to nothing ("./") or the result does not fit, leaving `out`
+ * untouched. */
 TQL70_API char* ZQ_canonical_path(const char* path, char* out);
 
 /* As ZQ_canonical_path, with the directory part replaced by its canonical
- * directory name. Full paths of 1024 bytes or more give null. */
+ * directory name, in TQL70_PATH_BUFFER_SIZE bytes: longer paths give null. */
 TQL70_API char* ZQ_canonical_path_force(const char* path, char* out);
 
 /* The true absolute name of an existing directory (symbolic links resolved,
@@ -42,16 +43,18 @@ TQL70_API int ZQ_paths_are_same(const char* a, const char* b, int first_is_file)
  * trailing separator is removed. */
 TQL70_API int gdir_compare_paths(const char* a, const char* b);
 
-/* 1 when `path` starts with '/', '\' or a drive ("C:foo" counts). */
+/* 1 when `path` starts with '/', '\' or a drive ("C:foo" counts); 0 for
+ * null. */
 TQL70_API int ZQ_path_is_absolute(const char* path);
 
 /* A pointer into `file` past its last '/' or '\' (no copy); `file` itself
  * without a separator; null for null. */
 TQL70_API const char* ZQ_get_basename_from_file(const char* file);
 
-/* The canonical form of the directory part of `file` in `out` ("." when
- * there is none, giving the current directory followed by "\."). `out` is
- * "" when the directory reduces to nothing. Returns `out`. */
+/* The canonical form of the directory part of `file` in `out`, a buffer of
+ * TQL70_PATH_BUFFER_SIZE bytes ("." when there is none, giving the current
+ * directory followed by "\."). `out` is "" when the directory reduces to
+ * nothing or does not fit. Returns `out` (null for a null out). */
 TQL70_API char* ZQ_get_directory_from_file(const char* file, char* out);
 
 /* The first existing candidate for `name`: an absolute name as it is, a
@@ -73,7 +76,7 @@ TQL70_API char* ZQ_quote_argument_copy(const char* arg);
  * new empty string. Null only when the allocation fails. */
 TQL70_API char* ZQ_stringcopy(const char* s);
 
-/* Lower-cases ASCII letters of `s` in place; returns `s`. */
+/* Lower-cases ASCII letters of `s` in place; returns `s` (null for null). */
 TQL70_API char* ZQ_strlwr(char* s);
 
 /* Every '/' of `name` becomes '\', in place; returns `name`. */

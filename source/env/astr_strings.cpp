@@ -138,7 +138,7 @@ int astr_remove_extent(char* path)
 
 const char* astr_extract_line_from_multilines(const char* text, char* line, int max)
 {
-    if (!text || !line) {
+    if (!text || !line || max < 0) {
         return nullptr;
     }
     int kept = 0;

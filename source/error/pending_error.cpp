@@ -54,7 +54,7 @@ using namespace tql::error;
 extern "C" void set_pending_error_no_lock(const char* text)
 {
     PendingRecord& record = pending_record();
-    record.text = text;
+    record.text = text ? text : "";
     record.module = "";
     record.message = "";
     record.code = -1;

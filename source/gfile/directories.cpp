@@ -263,6 +263,9 @@ int gfile_setdefpath(char* dir)
         resolved.pop_back();
     }
     resolved += '\\';
+    if (resolved.size() >= TQL70_PATH_BUFFER_SIZE) {
+        return 0;
+    }
     std::memcpy(dir, resolved.c_str(), resolved.size() + 1);
     return 1;
 }

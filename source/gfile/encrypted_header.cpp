@@ -57,7 +57,7 @@ extern "C" int gfile_encrypted(FILE* stream, int* number, char* word)
 {
     last_number = 0;
     last_word.clear();
-    if (!rewind_stream(stream)) {
+    if (!stream || !rewind_stream(stream)) {
         return 0;
     }
     char line[GFILE_LINE_MAX];

@@ -25,9 +25,12 @@ extern "C" {
 
 int gfile_filopn(FILE** fp, const char* name, int mode)
 {
+    if (!fp) {
+        return 0;
+    }
     const char* open_mode = mode == GFILE_WRITE ? "w" : mode == GFILE_READ ? "r" : mode == GFILE_APPEND ? "a" : nullptr;
     if (open_mode) {
-        *fp = fopen_utf8(name, open_mode);
+        *fp = name ? fopen_utf8(name, open_mode) : nullptr;
     }
     return *fp != nullptr;
 }
@@ -39,51 +42,78 @@ int gfile_filcls(FILE* fp)
 
 int gfile_filend(FILE* fp)
 {
+    if (!fp) {
+        return 0;
+    }
     return std::feof(fp) != 0;
 }
 
 int gfile_filerr(FILE* fp)
 {
+    if (!fp) {
+        return 0;
+    }
     return std::ferror(fp) != 0;
 }
 
 int gfile_getfilbuf(FILE* fp, size_t size, size_t count, void* buf)
 {
+    if (!fp || !buf) {
+        return 0;
+    }
     std::fread(buf, size, count, fp);
     return !std::ferror(fp);
 }
 
 int gfile_putfilbuf(FILE* fp, size_t size, size_t count, const void* buf)
 {
+    if (!fp || !buf) {
+        return 0;
+    }
     std::fwrite(buf, size, count, fp);
     return !std::ferror(fp);
 }
 
 int gfile_getfilchr(FILE* fp, char* c)
 {
+    if (!fp || !c) {
+        return 0;
+    }
     *c = static_cast<char>(std::fgetc(fp));
     return !(std::ferror(fp) && std::feof(fp));
 }
 
 int gfile_putfilchr(FILE* fp, char c)
 {
+    if (!fp) {
+        return 0;
+    }
     std::fputc(static_cast<unsigned char>(c), fp);
     return !std::ferror(fp);
 }
 
 int gfile_getfilptr(FILE* fp, long* pos)
 {
+    if (!fp || !pos) {
+        return 0;
+    }
     *pos = std::ftell(fp);
     return *pos != -1;
 }
 
 int gfile_putfilptr(FILE* fp, long pos)
 {
+    if (!fp) {
+        return 0;
+    }
     return std::fseek(fp, pos, SEEK_SET) == 0;
 }
 
 int gfile_resetfilptr(FILE* fp)
 {
+    if (!fp) {
+        return 0;
+    }
     return std::fseek(fp, 0, SEEK_SET) == 0;
 }
 
@@ -94,6 +124,9 @@ int gfile_getline(FILE* fp, char* buf)
 
 int gfile_getline_limited(FILE* fp, char* buf, int n)
 {
+    if (!fp || !buf || n < 1) {
+        return 0;
+    }
     if (!std::fgets(buf, n, fp)) {
         return 0;
     }
@@ -117,6 +150,9 @@ int gfile_getline_limited(FILE* fp, char* buf, int n)
 
 int gfile_putline(FILE* fp, int newline, const char* text)
 {
+    if (!fp || !text) {
+        return 0;
+    }
     if (std::fputs(text, fp) == EOF) {
         return 0;
     }
@@ -127,6 +163,9 @@ int gfile_putline(FILE* fp, int newline, const char* text)
 
 bool gfile_getline_std_string(FILE* fp, std::string* line)
 {
+    if (!fp || !line) {
+        return false;
+    }
     line->clear();
     char chunk[kChunk];
     for (;;) {

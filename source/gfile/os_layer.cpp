@@ -156,7 +156,7 @@ FILE* tql_fopen(const char* name, const char* mode)
 
 char* tql_fgets(char* buf, int n, FILE* f)
 {
-    return std::fgets(buf, n, f);
+    return buf && f && n > 0 ? std::fgets(buf, n, f) : nullptr;
 }
 
 int tql_fclose(FILE* f)
@@ -181,7 +181,11 @@ const char* tql_tmpnam(char* buf)
     }
     if (buf) {
         std::srand(static_cast<unsigned>(std::time(nullptr)));
-        std::sprintf(buf, "%s%d", temporary_name.c_str(), std::rand());
+        const int length = std::snprintf(buf, TQL70_PATH_BUFFER_SIZE, "%s%d", temporary_name.c_str(), std::rand());
+        if (length < 0 || length >= TQL70_PATH_BUFFER_SIZE) {
+            buf[0] = '\0';
+            return nullptr;
+        }
     }
     return temporary_name.c_str();
 }

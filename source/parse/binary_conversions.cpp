@@ -8,7 +8,7 @@ namespace {
 
 void store_big_endian(uint32_t value, unsigned char* buf, int bytes)
 {
-    for (int i = bytes - 1; i >= 0; --i) {
+    for (int i = bytes - 1; buf && i >= 0; --i) {
         buf[i] = static_cast<unsigned char>(value & 0xFF);
         value >>= 8;
     }

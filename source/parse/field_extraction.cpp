@@ -14,7 +14,7 @@ const parsefield* field_at(const parsefield* fields, unsigned int count, int ind
 
 unsigned int get_text(const char* line, const parsefield* field, char* out)
 {
-    if (!field || !line) {
+    if (!field || !line || !out) {
         return 0;
     }
     gparse_strtostr(line, static_cast<int>(field->start), static_cast<int>(field->end), out);
@@ -23,6 +23,9 @@ unsigned int get_text(const char* line, const parsefield* field, char* out)
 
 unsigned int get_int(const parsefield* field, int* out)
 {
+    if (!out) {
+        return 0;
+    }
     const bool ok = field && field->is_int;
     *out = ok ? field->ival : 0;
     return ok;
@@ -30,6 +33,9 @@ unsigned int get_int(const parsefield* field, int* out)
 
 unsigned int get_double(const parsefield* field, double* out)
 {
+    if (!out) {
+        return 0;
+    }
     const bool ok = field && field->is_num;
     *out = ok ? field->dval : 0.0;
     return ok;
@@ -37,6 +43,9 @@ unsigned int get_double(const parsefield* field, double* out)
 
 unsigned int get_float(const parsefield* field, float* out)
 {
+    if (!out) {
+        return 0;
+    }
     const bool ok = field && field->is_num;
     *out = ok ? static_cast<float>(field->dval) : 0.0f;
     return ok;
@@ -44,6 +53,9 @@ unsigned int get_float(const parsefield* field, float* out)
 
 char* get_span(const char* line, const parsefield* first, const parsefield* last, char* out)
 {
+    if (!out) {
+        return nullptr;
+    }
     if (!line || !first || !last || first->start > last->end) {
         out[0] = '\0';
         return out;
@@ -102,14 +114,14 @@ char* gparse_getplinstr(parserec* rec, int first, int last, char* out)
 {
     return rec ? get_span(rec->line, field_at(rec->fields, rec->count, first),
                           field_at(rec->fields, rec->count, last), out)
-               : (out[0] = '\0', out);
+               : get_span(nullptr, nullptr, nullptr, out);
 }
 
 char* gparse_getplinstr_mem(parserecMem* rec, int first, int last, char* out)
 {
     return rec ? get_span(rec->line, field_at(rec->fields, rec->count, first),
                           field_at(rec->fields, rec->count, last), out)
-               : (out[0] = '\0', out);
+               : get_span(nullptr, nullptr, nullptr, out);
 }
 
 } // extern "C"

@@ -45,7 +45,8 @@ char* gparse_parse_numeric_and_postnumeric_part(const char* text, int from, int 
     // above INT_MAX saturate there, as the Windows atoi did for overflowing
     // texts; leading zeros add nothing, so "000...0012" is still 12.
     long long value = 0;
-    int position = from > 0 ? from : 0;
+    // A start beyond the end of the text stops at its NUL.
+    int position = from > 0 ? static_cast<int>(strnlen(text, static_cast<size_t>(from))) : 0;
     for (; position < to && is_digit(text[position]); ++position) {
         if (value < INT_MAX) {
             value = value * 10 + (text[position] - '0');

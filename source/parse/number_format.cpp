@@ -1,15 +1,16 @@
 // Numbers back to text: integer formatting, and the fixed, maximum-precision,
 // fixed-only and exponent notations of the double and float formatters.
 //
-// Digit strings come from the C library's fcvt_r and ecvt_r; they are made
-// with printf-style conversions internally but the library reads only their
-// digits, so the process locale never shows in a result. Every text is built
-// straight into the caller's buffer, after all checks, so a failing call
-// writes nothing but its empty result.
+// Digit strings are those of the C library's fcvt_r (made here with
+// std::to_chars, which gives the same text faster) and ecvt_r; only their
+// digits are read, so the process locale never shows in a result. Every
+// text is built straight into the caller's buffer, after all checks, so a
+// failing call writes nothing but its empty result.
 #include <tql70/gparse.h>
 
 #include <stdlib.h>
 
+#include <charconv>
 #include <cmath>
 #include <cstring>
 
@@ -26,7 +27,7 @@ constexpr Precision kDouble{9, 7, 3};
 constexpr Precision kFloat{8, 6, 2};
 
 // fcvt_r gives at most 17 digits after the point and ecvt_r at most 17 digits
-// in all; neither is asked for more, and longer texts are padded with zeros.
+// in all; neither (nor the fcvt_r replacement) is asked for more, and longer texts are padded with zeros.
 constexpr int kLibraryDigits = 17;
 
 // Room for any fcvt_r or ecvt_r result of a double: the 309 integer digits of
@@ -94,6 +95,43 @@ bool exponent_digits(double v, long long count, Digits& digits)
     return digits.length > 0;
 }
 
+// fcvt_r's digit string of |v| with `decimals` (0 to 17) places, made with
+// std::to_chars: fcvt_r writes its value with printf's "%.*f" and reads the
+// digits back, and std::to_chars gives the same correctly rounded text (in
+// any locale) several times faster. The point is dropped and, as fcvt_r
+// does, the leading zeros of a value below 1 go into the decimal position:
+// 0.050 gives "50" with the point at -1.
+bool fcvt_digits(double v, int decimals, Digits& digits)
+{
+    char text[kDigitBufferSize];
+    const std::to_chars_result written =
+        std::to_chars(text, text + sizeof text, std::fabs(v), std::chars_format::fixed, decimals);
+    if (written.ec != std::errc()) {
+        return false;
+    }
+    size_t count = 0;
+    long long point = written.ptr - text;
+    for (const char* p = text; p < written.ptr; ++p) {
+        if (*p == '.') {
+            point = p - text;
+        } else {
+            digits.text[count++] = *p;
+        }
+    }
+    size_t zeros = 0;
+    if (text[0] == '0') {
+        while (zeros < count && digits.text[zeros] == '0') {
+            ++zeros;
+            --point;
+        }
+    }
+    digits.length = count - zeros;
+    std::memmove(digits.text, digits.text + zeros, digits.length);
+    digits.text[digits.length] = '\0';
+    digits.point = static_cast<int>(point);
+    return true;
+}
+
 // The digits of a finite, non-zero v rounded to `decimals` (>= 0) places
 // after the point, as fcvt gives them. fcvt_r stops at 17 decimals, so a
 // value below 10^-17 comes back without a single digit when more decimals are
@@ -101,24 +139,47 @@ bool exponent_digits(double v, long long count, Digits& digits)
 // decimal, at most 17) from ecvt_r instead.
 bool fixed_digits(double v, long long decimals, Digits& digits)
 {
-    int negative = 0;
-    if (fcvt_r(v, library_digit_count(decimals), &digits.point, &negative, digits.text, sizeof digits.text) != 0) {
+    if (!fcvt_digits(v, library_digit_count(decimals), digits)) {
         return false;
     }
-    digits.length = std::strlen(digits.text);
     if (digits.length == 0 && decimals > kLibraryDigits) {
         Digits lead;
         if (!exponent_digits(v, 1, lead)) {
             return false;
         }
+        // The leading digit's place comes from a one-digit rounding, which
+        // puts it one place too high when that rounding carried (9.9e-20 gives
+        // "1" at 10^-19): the digits are then asked for again with the place
+        // of the first full answer, so that the last one falls on the last
+        // decimal.
         const long long reach = lead.point + decimals;
-        return reach >= 1 && exponent_digits(v, reach, digits);
+        if (reach < 1 || !exponent_digits(v, reach, digits)) {
+            return false;
+        }
+        const long long exact_reach = digits.point + decimals;
+        if (exact_reach < static_cast<long long>(digits.length)) {
+            return exact_reach >= 1 && exponent_digits(v, exact_reach, digits);
+        }
+        return true;
     }
     return digits.length > 0;
 }
 
+// 10^exponent as std::pow gives it. The powers up to 10^22 are exact
+// doubles, and their reciprocals are correctly rounded like std::pow's
+// results, so those come from a table (the common widths and decimals)
+// instead of a call.
 double power_of_ten(long long exponent)
 {
+    static constexpr double exact[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
+                                       1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+    constexpr long long largest = sizeof exact / sizeof exact[0] - 1;
+    if (exponent >= 0 && exponent <= largest) {
+        return exact[exponent];
+    }
+    if (exponent < 0 && exponent >= -largest) {
+        return 1.0 / exact[-exponent];
+    }
     return std::pow(10.0, static_cast<double>(exponent));
 }
 
@@ -239,6 +300,15 @@ bool format_fixed(double v, long long width, long long decimals, const Precision
     const long long integer_digits = point > 0 ? point : 0;
     if (fixed_only && (point > 1 ? point : 1) > width - decimals - 2) {
         return false;
+    }
+    // The test on the value above is made in binary and lets through values
+    // whose rounded digits are one integer digit wider (-1e17 is not above
+    // 10^17 - 10^-38): the text is measured from its digits, and one that
+    // would not fit in its max(width, decimals + 3) characters goes to
+    // exponent notation.
+    const long long text_length = (v < 0 ? 1 : 0) + (point > 1 ? point : 1) + 1 + decimals;
+    if (text_length > (width > decimals + 3 ? width : decimals + 3)) {
+        return format_exponent(v, width, precision, out);
     }
     // The digit string is read as padded with zeros to point + decimals
     // digits, which fills in the decimals past the 17 that fcvt_r gives.

@@ -103,14 +103,20 @@ std::string without_trailing_zeros(const std::string& digits)
 }
 
 // The shortest text of the same number: see gparse_cnvt_string_stripped_zeros.
-std::string stripped(const NumberParts& parts)
+// A fraction without integer digits gets a "0" before its point only when the
+// result stays within `room` characters, so that it never outgrows the text
+// it was made from (".5" stays ".5", ".50" gives "0.5").
+std::string stripped(const NumberParts& parts, size_t room)
 {
     std::string integer = without_leading_zeros(parts.integer);
     const std::string fraction = without_trailing_zeros(parts.fraction);
     if (integer.empty() && fraction.empty()) {
         return "0";
     }
-    if (integer.empty()) {
+    const std::string exponent = without_leading_zeros(parts.exponent);
+    const size_t bare_length = (parts.negative ? 1 : 0) + 1 + fraction.size() +
+                               (exponent.empty() ? 0 : exponent.size() + (parts.exponent_negative ? 2 : 1));
+    if (integer.empty() && bare_length < room) {
         integer = "0";
     }
     std::string result = parts.negative ? "-" : "";
@@ -119,7 +125,6 @@ std::string stripped(const NumberParts& parts)
         result += '.';
         result += fraction;
     }
-    const std::string exponent = without_leading_zeros(parts.exponent);
     if (!exponent.empty()) {
         result += parts.exponent_negative ? "e-" : "e";
         result += exponent;
@@ -205,7 +210,7 @@ unsigned int gparse_cnvt_string_stripped_zeros(const char* text, char* out)
             std::memmove(out, text, std::strlen(text) + 1);
             return 0;
         }
-        put(stripped(parts), out);
+        put(stripped(parts, std::strlen(text)), out);
         return 1;
     } catch (const std::bad_alloc&) {
         std::memmove(out, text, std::strlen(text) + 1);
@@ -244,7 +249,7 @@ unsigned int gparse_cnvt_string_string_stripped(const char* text, char* out)
             put_refusal(out);
             return 0;
         }
-        put(stripped(parts), out);
+        put(stripped(parts, plain.size()), out);
         return 1;
     } catch (const std::bad_alloc&) {
         put_refusal(out);

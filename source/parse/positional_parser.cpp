@@ -62,10 +62,22 @@ std::string slot_text(const char* line, unsigned int start, unsigned int end)
     return std::string(line + start, last - start + (end < length ? 1 : 0));
 }
 
+// `text` without its leading and trailing blanks. Slots are stripped before
+// they are written, so the caller's buffer only ever holds the result.
+std::string stripped(std::string text)
+{
+    gparse_strpbl(text.c_str(), &text[0]);
+    text.resize(std::strlen(text.c_str()));
+    return text;
+}
+
 // Starts a positional parse: the header gets the line and a count of 0;
 // false when there is nothing to parse.
 bool begin(parseheader* hdr, const char* line, const char* seps)
 {
+    if (!hdr) {
+        return false;
+    }
     hdr->line = line;
     hdr->count = 0;
     return seps && *seps && line && *line;
@@ -116,7 +128,7 @@ unsigned int gparse_parline3(const char* line, const char* seps, parseheader* hd
 
 unsigned int gparse_getclump2(parseheader* hdr, int index, char* out)
 {
-    if (!hdr || !hdr->line || index < 0 || index > 2) {
+    if (!hdr || !hdr->line || !out || index < 0 || index > 2) {
         return 0;
     }
     const Slot& slot = slots2[index];
@@ -124,24 +136,21 @@ unsigned int gparse_getclump2(parseheader* hdr, int index, char* out)
     // a one-character last field was stored one longer and comes out whole.
     const unsigned int end = index == 2 ? slot.end - 1 : slot.end;
     const std::string text = slot.start <= end && !(index == 2 && slot.end == 0)
-                                 ? slot_text(hdr->line, slot.start, end)
+                                 ? stripped(slot_text(hdr->line, slot.start, end))
                                  : std::string();
     std::memcpy(out, text.c_str(), text.size() + 1);
-    gparse_strpbl(out, out);
     return 1;
 }
 
 unsigned int gparse_getclump3(parseheader* hdr, int index, char* out)
 {
-    if (!hdr || !hdr->line || index < 0 || index > 3) {
+    if (!hdr || !hdr->line || !out || index < 0 || index > 3) {
         return 0;
     }
     const Slot& slot = slots3[index];
-    const std::string text = slot_text(hdr->line, slot.start, slot.end);
+    const std::string text = stripped(slot_text(hdr->line, slot.start, slot.end));
     std::memcpy(out, text.c_str(), text.size() + 1);
-    gparse_strpbl(out, out);
-    const size_t length = std::strlen(out);
-    out[length + 1] = '\0'; // the second NUL callers rely on
+    out[text.size() + 1] = '\0'; // the second NUL callers rely on
     return 1;
 }
 

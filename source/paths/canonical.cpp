@@ -17,8 +17,8 @@
 
 namespace {
 
-// The forced canonical path is built in a work area of this size.
-constexpr size_t kForceBufferSize = 1024;
+// Canonical paths are written into buffers of this size.
+constexpr size_t kPathBufferSize = TQL70_PATH_BUFFER_SIZE;
 
 bool is_separator(char c)
 {
@@ -164,14 +164,20 @@ void ZQ_fixup_path(char* path)
 
 int ZQ_path_is_absolute(const char* path)
 {
+    if (!path) {
+        return 0;
+    }
     const unsigned char first = static_cast<unsigned char>(path[0]);
     return is_separator(path[0]) || (first < 128 && std::isalpha(first) && path[1] == ':');
 }
 
 char* ZQ_canonical_path(const char* path, char* out)
 {
+    if (!out) {
+        return nullptr;
+    }
     const std::optional<std::string> result = canonical(path);
-    if (!result) {
+    if (!result || result->size() >= kPathBufferSize) {
         return nullptr;
     }
     std::memcpy(out, result->c_str(), result->size() + 1);
@@ -180,8 +186,11 @@ char* ZQ_canonical_path(const char* path, char* out)
 
 char* ZQ_canonical_path_force(const char* path, char* out)
 {
+    if (!out) {
+        return nullptr;
+    }
     const std::optional<std::string> full = canonical(path);
-    if (!full || full->size() >= kForceBufferSize) {
+    if (!full || full->size() >= kPathBufferSize) {
         return nullptr;
     }
     const size_t cut = full->find_last_of("/\\");
@@ -195,6 +204,9 @@ char* ZQ_canonical_path_force(const char* path, char* out)
         gmem_ee_free(canonical_directory);
     }
     fixup(result);
+    if (result.size() >= kPathBufferSize) {
+        return nullptr;
+    }
     std::memcpy(out, result.c_str(), result.size() + 1);
     return out;
 }
@@ -284,6 +296,9 @@ const char* ZQ_get_basename_from_file(const char* file)
 
 char* ZQ_get_directory_from_file(const char* file, char* out)
 {
+    if (!out) {
+        return nullptr;
+    }
     std::string directory = file ? file : "";
     const size_t cut = directory.find_last_of("/\\");
     directory = cut == std::string::npos ? std::string(".") : directory.substr(0, cut);

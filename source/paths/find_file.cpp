@@ -115,7 +115,7 @@ char* ZQ_quote_argument_copy(const char* arg)
 
 char* ZQ_strlwr(char* s)
 {
-    for (char* p = s; *p; ++p) {
+    for (char* p = s; p && *p; ++p) {
         if (*p >= 'A' && *p <= 'Z') {
             *p = static_cast<char>(*p - 'A' + 'a');
         }

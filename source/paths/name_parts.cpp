@@ -96,6 +96,9 @@ int gfile_hasext(const char* name, int* pos)
 
 void gfile_stripext(const char* name, char* out)
 {
+    if (!out) {
+        return;
+    }
     int pos = 0;
     const std::string copy = name ? name : "";
     const size_t keep = gfile_hasext(copy.c_str(), &pos) ? static_cast<size_t>(pos - 1) : copy.size();
@@ -105,6 +108,9 @@ void gfile_stripext(const char* name, char* out)
 
 char* gfile_filext(char* name, int replace, const char* ext)
 {
+    if (!name) {
+        return nullptr;
+    }
     int pos = 0;
     const bool has = gfile_hasext(name, &pos);
     if (!has || replace) {
@@ -136,6 +142,9 @@ int gfile_hasdrv(const char* name, int* pos)
 
 void gfile_stripdrv(const char* name, char* out)
 {
+    if (!out) {
+        return;
+    }
     int pos = 0;
     gfile_hasdrv(name, &pos);
     std::memmove(out, (name ? name : "") + pos, std::strlen((name ? name : "") + pos) + 1);
@@ -143,6 +152,9 @@ void gfile_stripdrv(const char* name, char* out)
 
 void gfile_fildrv(char* name, int replace, const char* prefix)
 {
+    if (!name) {
+        return;
+    }
     if (gfile_hasdrv(name, nullptr) && !replace) {
         return;
     }
