@@ -62,16 +62,6 @@ TEST_F(AerrTest, FormattedTextIsCutAt4095Characters)
     }
 }
 
-TEST_F(AerrTest, HookAccessorsReturnWhatWasSet)
-{
-    EXPECT_EQ(aerr_set_error_function(recording_hook), recording_hook);
-    EXPECT_EQ(aerr_set_warning_function(nullptr), nullptr);
-    EXPECT_EQ(aerr_set_message_function(recording_hook), recording_hook);
-    EXPECT_EQ(aerr_get_error_function(), recording_hook);
-    EXPECT_EQ(aerr_get_warning_function(), nullptr);
-    EXPECT_EQ(aerr_get_message_function(), recording_hook);
-}
-
 TEST_F(AerrTest, ReportsArePrintedOrTakenByHooks)
 {
     struct Case {

@@ -40,13 +40,10 @@ TEST_F(GerrorTest, CodesAndTextsFollowTheRangeRules)
         int code;
         const char* text;
     } cases[] = {
-        {1, "System library call failed"},
-        {18, "Message set not specified for message retreival"},
+        {1, "System library call failed"}, {18, "Message set not specified for message retreival"},
         {30, "Clock stop failed"},
         // Code 0 fails the range check, so "No error" is never given.
-        {0, "GuiErrno out of range"},
-        {125, "GuiErrno out of range"},
-        {INT_MIN, "GuiErrno out of range"},
+        {0, "GuiErrno out of range"}, {125, "GuiErrno out of range"}, {INT_MIN, "GuiErrno out of range"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.code);
@@ -69,10 +66,8 @@ TEST_F(GerrorTest, Printouts)
     };
     const Case cases[] = {
         {23, ENOENT, "Cannot open file : " + enoent + "\n", "Cannot open file\n"},
-        {23, 100000, "Cannot open file\n", "Cannot open file\n"},
-        {124, 0, text124 + "\n", text124 + "\n"},
-        {125, ENOENT, enoent + "\n", "GuiErrno out of range\n"},
-        {0, 0, "", "GuiErrno out of range\n"},
+        {23, 100000, "Cannot open file\n", "Cannot open file\n"}, {124, 0, text124 + "\n", text124 + "\n"},
+        {125, ENOENT, enoent + "\n", "GuiErrno out of range\n"}, {0, 0, "", "GuiErrno out of range\n"},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(std::to_string(c.gui) + "/" + std::to_string(c.sys));
@@ -139,17 +134,6 @@ TEST(DebugModeTest, BannerStaysOnOnceFound)
                   gerror_display_debug_info("unset", 3);
               }),
               banner(2, "all", messages) + banner(2, "none", messages) + banner(3, "unset", messages));
-}
-
-TEST(DebugModeTest, BannerSwitchedOnFromTheSettingsStore)
-{
-    const tql_test::ScopedSettingsStore store({{"ZQTARVEX_DEBUG_MODE", "all"}});
-    const tql_test::ScopedEnv unset("ZQTARVEX_DEBUG_MODE", std::nullopt);
-    EXPECT_EQ(child_stderr([] {
-                  gerror_set_all_errors(22, 0);
-                  gerror_display_debug_info("c.c", 7);
-              }),
-              banner(7, "c.c", "Cannot find file\n"));
 }
 
 } // namespace
