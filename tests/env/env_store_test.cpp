@@ -123,19 +123,6 @@ TEST_F(EnvStore, TooSmallBufferIsLeftUntouched)
     EXPECT_TRUE(gui_env_exists(env, "LONG", GUI_ENV_ANY));
 }
 
-TEST_F(EnvStore, SlotsGrowInBlocksOf32AndAreNeverFreed)
-{
-    GuiEnv env = open_env();
-    GuiEnvLevel& local = env->levels[tql::env::storage_index(GUI_ENV_LOCAL)];
-    for (int i = 0; i < 33; ++i) {
-        ASSERT_EQ(gui_env_put(env, ("N" + std::to_string(i)).c_str(), "v", GUI_ENV_LOCAL), 1);
-        EXPECT_EQ(local.capacity, i < 32 ? 32 : 64);
-    }
-    gui_env_rm(env, "N0", GUI_ENV_LOCAL);
-    EXPECT_EQ(local.count, 33);
-    EXPECT_EQ(get(env, "N32"), "v");
-}
-
 TEST_F(EnvStore, ErrorCallbackSuppliesMissingValues)
 {
     CallbackLog log;

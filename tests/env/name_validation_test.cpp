@@ -15,25 +15,21 @@ namespace {
 
 // The message of each kind for the illegal character `c`, written out in
 // full so that any change of wording or quoting shows.
+std::string message(char c, const char* kind_words, const char* extra)
+{
+    return std::string("`") + c + "' illegal: valid characters " + kind_words + "are alphanumeric or _" + extra;
+}
 std::string identifier_message(char c)
 {
-    return std::string("`") + c + "' illegal: valid characters are alphanumeric or _ with non-numeric first character";
-}
-std::string workspace_message(char c)
-{
-    return std::string("`") + c + "' illegal: valid characters in workspace names are alphanumeric or _";
+    return message(c, "", " with non-numeric first character");
 }
 std::string design_message(char c)
 {
-    return std::string("`") + c + "' illegal: valid characters in design names are alphanumeric or _`@#&+-=^";
-}
-std::string node_message(char c)
-{
-    return std::string("`") + c + "' illegal: valid characters in node names are alphanumeric or _`@#&+-=^$%!";
+    return message(c, "in design names ", "`@#&+-=^");
 }
 std::string component_message(char c)
 {
-    return std::string("`") + c + "' illegal: valid characters in component names are alphanumeric or _`@#&+-=^$%";
+    return message(c, "in component names ", "`@#&+-=^$%");
 }
 
 std::string message_for(char c, int kind)
@@ -42,12 +38,12 @@ std::string message_for(char c, int kind)
         return identifier_message(c);
     }
     if (kind & ASTR_KIND_WORKSPACE) {
-        return workspace_message(c);
+        return message(c, "in workspace names ", "");
     }
     if (kind & ASTR_KIND_DESIGN) {
         return design_message(c);
     }
-    return kind & ASTR_KIND_NODE ? node_message(c) : component_message(c);
+    return kind & ASTR_KIND_NODE ? message(c, "in node names ", "`@#&+-=^$%!") : component_message(c);
 }
 
 std::string validate(const char* name, int kind, int allow_dot)
@@ -68,15 +64,11 @@ TEST(NameValidation, EdgeCasesAndMessages)
     const std::string valid = "<valid>";
     const std::vector<ValidCase> cases = {
         // A leading digit is illegal only in identifiers.
-        {"1abc", ASTR_KIND_IDENTIFIER, 1, identifier_message('1')},
-        {"1abc", ASTR_KIND_WORKSPACE, 1, valid},
-        {"", ASTR_KIND_IDENTIFIER, 0, valid},
-        {"a!b", ASTR_KIND_DESIGN | ASTR_KIND_NODE, 0, design_message('!')},
+        {"1abc", ASTR_KIND_IDENTIFIER, 1, identifier_message('1')}, {"1abc", ASTR_KIND_WORKSPACE, 1, valid},
+        {"", ASTR_KIND_IDENTIFIER, 0, valid}, {"a!b", ASTR_KIND_DESIGN | ASTR_KIND_NODE, 0, design_message('!')},
         // Index suffixes.
-        {"bus(1,2)", ASTR_KIND_INDEXED, 0, valid},
-        {"bus(", ASTR_KIND_INDEXED, 0, valid},
-        {"bus(1,2", ASTR_KIND_INDEXED, 0, valid},
-        {"bus(1,)", ASTR_KIND_INDEXED, 0, identifier_message(',')},
+        {"bus(1,2)", ASTR_KIND_INDEXED, 0, valid}, {"bus(", ASTR_KIND_INDEXED, 0, valid},
+        {"bus(1,2", ASTR_KIND_INDEXED, 0, valid}, {"bus(1,)", ASTR_KIND_INDEXED, 0, identifier_message(',')},
         {"bus()", ASTR_KIND_INDEXED, 0, identifier_message('(')},
         {"bus(1,,2)", ASTR_KIND_INDEXED, 0, identifier_message(',')},
         {"bus(1a)", ASTR_KIND_INDEXED, 0, identifier_message('a')},
@@ -150,28 +142,21 @@ struct RepairCase {
 TEST(NameValidationRepair, ReplacesWhatTheCheckRefuses)
 {
     const std::vector<RepairCase> cases = {
-        {"a b", ASTR_KIND_COMPONENT, 0, '_', "a_b"},
-        {"a/b\\c:d", ASTR_KIND_NODE, 1, '_', "a_b_c_d"},
-        {"a.b", ASTR_KIND_DESIGN, 0, '_', "a_b"},
-        {"a+b@c", ASTR_KIND_IDENTIFIER, 0, '_', "a_b_c"},
-        {"a+b@c", ASTR_KIND_DESIGN, 0, '_', "a+b@c"},
-        {"a!b", ASTR_KIND_DESIGN, 0, '_', "a_b"},
+        {"a b", ASTR_KIND_COMPONENT, 0, '_', "a_b"}, {"a/b\\c:d", ASTR_KIND_NODE, 1, '_', "a_b_c_d"},
+        {"a.b", ASTR_KIND_DESIGN, 0, '_', "a_b"}, {"a+b@c", ASTR_KIND_IDENTIFIER, 0, '_', "a_b_c"},
+        {"a+b@c", ASTR_KIND_DESIGN, 0, '_', "a+b@c"}, {"a!b", ASTR_KIND_DESIGN, 0, '_', "a_b"},
         {"a!b", ASTR_KIND_NODE, 0, '_', "a!b"},
         // Design names keep '$' and '%' although the check reports them.
-        {"a$b%c", ASTR_KIND_DESIGN, 0, '_', "a$b%c"},
-        {"a$b%c", ASTR_KIND_IDENTIFIER, 0, '_', "a_b_c"},
+        {"a$b%c", ASTR_KIND_DESIGN, 0, '_', "a$b%c"}, {"a$b%c", ASTR_KIND_IDENTIFIER, 0, '_', "a_b_c"},
         // An identifier that begins with a digit is not repaired at all.
-        {"1a b", ASTR_KIND_IDENTIFIER, 0, '_', "1a b"},
-        {"1a b", ASTR_KIND_INDEXED, 0, '_', "1a b"},
+        {"1a b", ASTR_KIND_IDENTIFIER, 0, '_', "1a b"}, {"1a b", ASTR_KIND_INDEXED, 0, '_', "1a b"},
         {"1a b", ASTR_KIND_WORKSPACE, 0, '_', "1a_b"},
         // "(" outside indexed names.
         {"f(x)", ASTR_KIND_COMPONENT, 0, '_', "f_x_"},
         // A valid index suffix ends the repair; an invalid one is kept up
         // to its offending character and the repair goes on after it.
-        {"a b(1,2)", ASTR_KIND_INDEXED, 0, '_', "a_b(1,2)"},
-        {"bus(1,2", ASTR_KIND_INDEXED, 0, '_', "bus(1,2"},
-        {"bus(1,)", ASTR_KIND_INDEXED, 0, '_', "bus(1,_"},
-        {"bus(1a)", ASTR_KIND_INDEXED, 0, '_', "bus(1a_"},
+        {"a b(1,2)", ASTR_KIND_INDEXED, 0, '_', "a_b(1,2)"}, {"bus(1,2", ASTR_KIND_INDEXED, 0, '_', "bus(1,2"},
+        {"bus(1,)", ASTR_KIND_INDEXED, 0, '_', "bus(1,_"}, {"bus(1a)", ASTR_KIND_INDEXED, 0, '_', "bus(1a_"},
         {"bus(1)x y", ASTR_KIND_INDEXED, 0, '_', "bus(1)x_y"},
     };
     for (const RepairCase& c : cases) {
