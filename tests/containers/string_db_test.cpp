@@ -217,6 +217,7 @@ TEST_F(StringDbTest, EmptinessNullKeysAndEmptyKeys)
     EXPECT_EQ(db->is_empty(db), 1);
     EXPECT_EQ(db->insert(db, nullptr, &v_[1]), 0);
     EXPECT_EQ(db->remove(db, nullptr), 0);
+    EXPECT_EQ(db->lookup(db, nullptr), nullptr);
 
     // "" is an ordinary key.
     EXPECT_EQ(db->insert(db, "", &v_[2]), 1);

@@ -279,6 +279,19 @@ TEST(AstrStrings, DatasetNamesVarFunctionsAndCopies)
     EXPECT_EQ(take(copy), text);
 }
 
+TEST(AstrStrings, NullArgumentsGiveNull)
+{
+    char line[4];
+    EXPECT_EQ(astr_extract_line_from_multilines(nullptr, line, 3), nullptr);
+    EXPECT_EQ(astr_get_leaf_name(nullptr), nullptr);
+    EXPECT_EQ(astr_get_path_name(nullptr), nullptr);
+    EXPECT_EQ(astr_translate_kps_dataset_name(nullptr), nullptr);
+    EXPECT_EQ(astr_add_var_fn(nullptr), nullptr);
+    EXPECT_EQ(astr_delete_var_fn(nullptr), nullptr);
+    EXPECT_EQ(astr_new_string(nullptr), nullptr);
+    EXPECT_EQ(astr_config_file_is_readable(nullptr), 0);
+}
+
 TEST(AstrStrings, ConfigFileIsReadable)
 {
     TempDir dir;

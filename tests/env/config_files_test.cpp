@@ -54,6 +54,8 @@ TEST_F(ConfigFiles, LevelsLineFormatAndPrecedence)
     EXPECT_EQ(ee("LONG"), std::string(5000, 'l'));
 
     // gui_env_open of one level reads only that file.
+    GuiEnv site_only = gui_env_open("zqtarvex", GUI_ENV_SITE);
+    EXPECT_EQ(get(site_only, "SHARED"), "site");
     GuiEnv explicit_file = gui_env_open((sandbox_.path() + "/root/custom/config/zqtarvex.cfg").c_str(), GUI_ENV_FILE);
     EXPECT_EQ(get(explicit_file, "SHARED", GUI_ENV_LOCAL), "custom");
 }
@@ -174,6 +176,10 @@ TEST_F(ConfigFiles, WebBrowser)
         return text;
     };
     EXPECT_EQ(browser(), opener);
+    {
+        ScopedEnv list("BROWSER", std::string("nosuch:firefox"));
+        EXPECT_EQ(browser(), firefox);
+    }
     // The configured browser wins when it names an existing file.
     write("root/config/de_sim.cfg", "WEB_BROWSER=" + sandbox_.path() + "/bin/%NAME\n");
     write("de_sim.cfg", "NAME=firefox\n");

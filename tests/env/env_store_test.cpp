@@ -38,6 +38,8 @@ TEST_F(EnvStore, NamesAreCutAndUpperCasedForAsciiOnly)
     const std::string long_name(70, 'n');
     ASSERT_EQ(gui_env_put(env, long_name.c_str(), "long", GUI_ENV_LOCAL), 1);
     EXPECT_EQ(get(env, (std::string(63, 'N') + "other").c_str()), "long");
+    gui_env_put(env, "zeta", "z", GUI_ENV_LOCAL); // both ends of the ASCII letters
+    EXPECT_EQ(get(env, "ZETA") + get(env, "Zeta"), "zz");
     // Bytes of 128 and above keep their case: \xe9 and \xc9 differ.
     gui_env_put(env, "caf\xe9", "lower", GUI_ENV_LOCAL);
     EXPECT_EQ(get(env, "CAF\xe9"), "lower");

@@ -56,6 +56,7 @@ TEST_F(Expand, ReferenceForms)
         {"%A", "x"},                         // values are expanded again
         {"%NAME%", "val"},                   // the closing % is an empty reference
         {"$PATHVAR:", "/p"},                 // one trailing colon is removed
+        {"a::", "a:"},                       // only one
         {"$UNDEFINED/x", "x"},               // a failed reference drops one character
         {"{$TQL_HOME}/bin", "/home/u/bin"},  // braced forms
         {"${TQL_HOME}", "TQL_HOME}"},        // "$" then "{" is an empty reference

@@ -40,6 +40,7 @@ TEST_F(PathList, SeparatorsAndDrives)
         {"C:\\a;D:/b:e", V{"C:\\a", "D:/b", "e"}}, {"x:y", V{"x", "y"}}, {"c:/x:y", V{"c:/x", "y"}},
         {"C:x", V{"C", "x"}},     // no separator after the colon: not a drive
         {"1:\\x", V{"1", "\\x"}}, // not a letter
+        {"%:\\x", V{"%", "\\x"}},
         {"a;;b", V{"a", "", "b"}}, {"", V{}},
     };
     for (const Case& c : cases) {

@@ -104,6 +104,7 @@ TEST(TqlQsort, ZeroOneAndSixElements)
     int one = 7;
     probe.reset(&one, 1, sizeof one);
     tql_qsort(&one, 1, sizeof one, compare_int);
+    tql_qsort(&one, 0, sizeof one, compare_int);
     tql_qsort(nullptr, 0, sizeof one, compare_int);
     EXPECT_EQ(probe.calls, 0u);
 

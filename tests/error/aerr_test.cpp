@@ -44,6 +44,8 @@ TEST_F(AerrTest, SetAndGetKeepModuleCodeAndFormattedText)
     EXPECT_STREQ(text, "100% and 7%");
     EXPECT_EQ(tql_test::pending_text(), "100% and 7%");
 
+    EXPECT_EQ(aerr_set_message_function(nullptr), nullptr);
+    EXPECT_EQ(aerr_get_message_function(), nullptr);
     EXPECT_EQ(aerr_set("MOD", 1, "m", nullptr), 1);
     ASSERT_EQ(aerr_get(nullptr, nullptr, &text), 1);
     EXPECT_STREQ(text, "");

@@ -73,12 +73,13 @@ TEST_F(ErrorHandlerTest, ReportsGoToTheNewestHandlerThenTheGlobalHooks)
             report_error("two");
             report_warning("w");
             aerr_process_error("GUI", 12, "M", "T%d", 1);
+            aerr_process_warning("GUI", 7, "W", nullptr);
         }
         report_error("three");
         EXPECT_FALSE(error_pending());
     }
     report_error("four");
-    EXPECT_EQ(g_calls, (Calls{"b:1::-1::two", "b:2::-1::w", "b:1:GUI:12:M:T1", "a:1::-1::three", "global:four"}));
+    EXPECT_EQ(g_calls, (Calls{"b:1::-1::two", "b:2::-1::w", "b:1:GUI:12:M:T1", "b:2:GUI:7:W:", "a:1::-1::three", "global:four"}));
 }
 
 TEST_F(ErrorHandlerTest, HooksBelongToTheCurrentHandler)
@@ -112,10 +113,12 @@ TEST_F(ErrorHandlerTest, HandlerOwnReportsBypassHooksAndKeepTheText)
     a.set_legacy_warning_function(handler_hook);
     set_pending_error("pending text");
     a.report_error(QString("shown"));
+    a.report_error(std::string("s"));
     EXPECT_FALSE(error_pending());
     EXPECT_EQ(tql_test::pending_text(), "pending text");
     set_pending_error("still");
     a.report_warning(std::string("careful"));
+    a.report_warning(QString("q"));
     EXPECT_TRUE(error_pending());
     {
         // Called on a handler that is not current, the report still goes
@@ -123,7 +126,7 @@ TEST_F(ErrorHandlerTest, HandlerOwnReportsBypassHooksAndKeepTheText)
         RecordingHandler b("b");
         a.report_warning("direct");
     }
-    EXPECT_EQ(g_calls, (Calls{"a:1::-1::shown", "a:2::-1::careful", "a:2::-1::direct"}));
+    EXPECT_EQ(g_calls, (Calls{"a:1::-1::shown", "a:1::-1::s", "a:2::-1::careful", "a:2::-1::q", "a:2::-1::direct"}));
 }
 
 TEST_F(ErrorHandlerTest, UnhandledReportsArePrinted)

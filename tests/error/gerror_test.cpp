@@ -31,6 +31,7 @@ TEST_F(GerrorTest, CodesAndTextsFollowTheRangeRules)
     EXPECT_EQ(gerror_get_all_errors(&gui, &sys), ENOENT);
     EXPECT_EQ(gui, 5);
     EXPECT_EQ(sys, ENOENT);
+    EXPECT_EQ(gerror_get_system_error(), ENOENT);
     EXPECT_EQ(gerror_set_system_error(EACCES), EACCES);
     EXPECT_STREQ(gerror_get_system_error_message(), std::strerror(EACCES));
     gerror_set_system_error(0);

@@ -31,6 +31,9 @@ TEST(GfileDirectories, MkdirWithParentsAndVariables)
 
     ScopedEnv home("TQL_MKDIR_HOME", dir.path() + "/home");
     fs::create_directory(dir.path() + "/home");
+    std::snprintf(path, sizeof path, "%s", "$TQL_MKDIR_HOME\\x");
+    EXPECT_EQ(gfile_mkdir(path, 0, 0755), 1);
+    EXPECT_TRUE(fs::is_directory(dir.path() + "/home/x"));
     std::snprintf(path, sizeof path, "%s", "%TQL_MKDIR_HOME%/y/z");
     EXPECT_EQ(gfile_mkdir(path, 1, 0755), 1);
     EXPECT_TRUE(fs::is_directory(dir.path() + "/home/y/z"));
@@ -106,6 +109,8 @@ TEST(GfileDirectories, SizesAndPaths)
     EXPECT_EQ(fs::current_path(), before);
     std::snprintf(buffer, sizeof buffer, "%s/none", dir.path().c_str());
     EXPECT_EQ(gfile_setdefpath(buffer), 0);
+    buffer[0] = '\0';
+    EXPECT_EQ(gfile_setdefpath(buffer), 0);
 
     {
         ScopedCurrentDirectory cd(dir.path());
@@ -116,6 +121,7 @@ TEST(GfileDirectories, SizesAndPaths)
         EXPECT_EQ(gfile_getdefpath(buffer, sizeof buffer), 1);
         EXPECT_EQ(std::string(buffer), expected);
         EXPECT_EQ(gfile_getdefpath(buffer, static_cast<int>(expected.size())), 0); // no room for the NUL
+        EXPECT_EQ(gfile_getdefpath(nullptr, 10), 0);
     }
     gmain_exit_list();
 }

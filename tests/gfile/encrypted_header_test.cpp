@@ -54,6 +54,15 @@ Result read_header(const std::string& file)
     return result;
 }
 
+TEST(EncryptedHeader, StandInRejectsEveryLine)
+{
+    TempDir dir;
+    const Result r = read_header(dir.write_file("h.txt", "@&ok:7 word\nbody\n"));
+    EXPECT_EQ(r.answer, 0);
+    EXPECT_EQ(r.position, 0); // rewound
+    EXPECT_EQ(r.word, "unset");
+}
+
 TEST(EncryptedHeader, HeaderDetectionWithAService)
 {
     tql::gfile::DecryptService saved = tql::gfile::decrypt_service();

@@ -31,7 +31,7 @@ TEST(GfileWildcard, Matching)
         bool match;
     } cases[] = {
         {"ac", "a*c", true},  {"abd", "a*c", false}, {"", "*", true},     {"", "?", false},
-        {"X.TXT", "*.txt", false}, {"ab", "a?c", false}, {"a", "a**", false}, {"ab", "*?", false},
+        {"X.TXT", "*.txt", false}, {"abc", "a?c", true}, {"ab", "a?c", false}, {"a", "a**", false}, {"ab", "*?", false},
         {"a?", "*?", true},   {"aXbXc", "a*b*c", true},
     };
     for (const Case& c : cases) {
@@ -49,6 +49,7 @@ TEST(GfileTests, KindsSizesAndAges)
     EXPECT_EQ(gfile_is_dir((dir.path() + "\\d").c_str()), 1);
     EXPECT_EQ(gfile_type((dir.path() + "/d/").c_str()), GFILE_TYPE_DIRECTORY);
     EXPECT_EQ(gfile_type(file.c_str()), GFILE_TYPE_FILE);
+    EXPECT_EQ(gfile_filesize(nullptr), 0);
     EXPECT_EQ(gfile_type(("/" + std::string(1100, 'x')).c_str()), 0);
 
     // Sizes beyond 2 GB stop at 2,147,483,647 (a sparse file).

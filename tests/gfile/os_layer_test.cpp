@@ -42,7 +42,9 @@ TEST(OsLayer, DirectoryListings)
     EXPECT_EQ(listing(dir.path() + "/d"), expected);
     EXPECT_EQ(listing("C:" + dir.path() + "\\d\\"), expected);
     EXPECT_EQ(listing(dir.path() + "/d/*"), std::set<std::string>{"<null>"});
-    EXPECT_EQ(tql_opendir(""), nullptr);
+    EXPECT_EQ(tql_opendir(nullptr), nullptr);
+    EXPECT_EQ(tql_readdir(nullptr), nullptr);
+    EXPECT_EQ(tql_closedir(nullptr), 0);
 
     ScopedSettingsStore store({});
     {
@@ -64,6 +66,8 @@ TEST(OsLayer, StatAndDirectories)
     ASSERT_EQ(tql_stat("C:", &st), 0);
     EXPECT_TRUE(S_ISDIR(st.st_mode));
     EXPECT_EQ(tql_stat((dir.path() + "/none").c_str(), nullptr), -1);
+    EXPECT_EQ(tql_stat(nullptr, &st), -1);
+    EXPECT_EQ(tql_mkdir(nullptr, 0), -1);
 
     const std::string made = dir.path() + "/made";
     EXPECT_EQ(tql_mkdir((made + "/").c_str(), 0755), 0);

@@ -74,7 +74,9 @@ TEST(NumberFormatInteger, FailureWriteRules)
 TEST(NumberFormatFixed, DoubleWithExponentFallback)
 {
     const Case cases[] = {
-        {"zero, width 0", dbl(0.0, 0, 0), 0, ""}, {"7 bare point", dbl(7.0, 10, 0), 1, "7."},
+        {"zero, width 0", dbl(0.0, 0, 0), 0, ""}, {"zero, 0 decimals", dbl(0.0, 10, 0), 1, "0"},
+        {"exponent of zero", dbl(0.0, 12, -1), 1, "0.0000e+000"},
+        {"25 decimals", dbl(1e-20, 40, 25), 1, "0.0000000000000000000100000"}, {"7 bare point", dbl(7.0, 10, 0), 1, "7."},
         {"zero aligned", dbl(0.0, 10, 2), 1, "     0.00"}, {"negative fit", dbl(-99999999.0, 10, 0), 1, "-99999999."},
         {"one over", dbl(99999999.6, 10, 0), 1, "1.00e+008"},
         {"below 10^-d", dbl(0.004, 10, 2), 1, "4.00e-003"}, {"1e-23 is zero", dbl(1e-23, 10, 2), 1, "     0.00"},
@@ -148,7 +150,7 @@ TEST(NumberStrip, RewritesNumberTexts)
         const char* expected;
     } cases[] = {
         {zeros, "007.500", 1, "7.5"}, {zeros, "-1.50E+003", 1, "-1.5e3"}, {zeros, "100", 1, "100"},
-        {zeros, "-0.000", 1, "0"}, {zeros, ".50", 1, "0.5"}, {zeros, "1.0e0", 1, "1"}, {zeros, "1e", 0, "1e"},
+        {zeros, "-0.000", 1, "0"}, {zeros, "  0.050 ", 1, "0.05"}, {from_e, " 1e2", 0, " "}, {zeros, ".50", 1, "0.5"}, {zeros, "1.0e0", 1, "1"}, {zeros, "1e", 0, "1e"},
         {from_e, "1.50e1", 1, "15.0"}, {from_e, "-5E-3", 1, "-0.005"}, {from_e, "0012.5e-1", 1, "1.25"},
         {from_e, "+5", 1, "+5"}, {from_e, ".5e2", 0, " "}, {from_e, "1e401", 0, " "},
         {both, "1.500e+001", 1, "15"}, {both, "abc", 0, " "},

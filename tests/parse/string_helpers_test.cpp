@@ -109,6 +109,7 @@ TEST(GparseStringHelpersCase, AsciiOnlyAndEndPointer)
     EXPECT_EQ(gparse_uptolow(text), text + std::strlen(text));
     EXPECT_STREQ(text, "az@[`{az09 \xe9\xc9");
     EXPECT_EQ(gparse_uptolow(nullptr), nullptr);
+    EXPECT_EQ(gparse_lowtoup(nullptr), nullptr);
     EXPECT_EQ(gparse_strlength(nullptr), 0);
 }
 

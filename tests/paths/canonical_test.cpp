@@ -75,6 +75,7 @@ TEST(PathCanonical, CanonicalPathJoinsTheCurrentDirectory)
     ZQ_get_directory_from_file(nullptr, out);
     EXPECT_EQ(std::string(out), here + "\\.");
     EXPECT_STREQ(ZQ_get_basename_from_file("a/b\\c.txt"), "c.txt");
+    EXPECT_EQ(ZQ_get_basename_from_file(nullptr), nullptr);
 }
 
 TEST(PathCanonical, CanonicalDirectoryNameFollowsTheDiskAndIsCached)
@@ -120,6 +121,7 @@ TEST(PathCanonical, PathsAreSame)
     EXPECT_EQ(ZQ_paths_are_same("/f.txt", "\\", 1), 0);           // the leading separator is never cut
     EXPECT_EQ(ZQ_paths_are_same("\\\\f", "\\", 1), 0);              // nor the UNC pair's
     EXPECT_EQ(ZQ_paths_are_same("\\\\srv\\share\\f", "\\\\SRV\\share", 1), 1);
+    EXPECT_EQ(ZQ_paths_are_same("./", "x", 0), 0);
     EXPECT_EQ(gdir_compare_paths("C:/Dir/", "c:\\dir"), 1);
     EXPECT_EQ(gdir_compare_paths("a\\\\", "a"), 0); // only one trailing separator goes
 }

@@ -46,6 +46,7 @@ TEST(FindFile, SearchesThePathListInOrder)
     EXPECT_EQ(found("", list, 1), "<none>");
 
     // Absolute names are tested as they are, after clean-up.
+    EXPECT_EQ(found((b + "//tool.cfg").c_str(), "", 0), library(b) + "\\tool.cfg");
     EXPECT_EQ(found((a + "/sub").c_str(), "", 0), "<none>");
 
     // Long entries make the candidate buffer grow.

@@ -62,6 +62,7 @@ TEST(FileNameParts, Prefixes)
     gfile_fildrv(name, 1, "D:\\other\\");
     EXPECT_STREQ(name, "D:\\other\\file.txt");
 
+    EXPECT_EQ(gfile_hasfullpath("/x"), 1);
     EXPECT_EQ(gfile_hasfullpath("z:x"), 1);
     EXPECT_EQ(gfile_hasfullpath("1:x"), 0);
     EXPECT_EQ(gfile_hasfullpath(nullptr), 0);
@@ -90,6 +91,9 @@ TEST(FileNameParts, TrailingSeparators)
     char dir[16] = "a/b/";
     gfile_prepare_dir_name(dir);
     EXPECT_STREQ(dir, "a/b\\");
+    std::strcpy(dir, "a");
+    gfile_prepare_dir_name(dir);
+    EXPECT_STREQ(dir, "a\\");
     dir[0] = '\0';
     gfile_prepare_dir_name(dir);
     EXPECT_STREQ(dir, "");
@@ -125,6 +129,9 @@ TEST(FileNameParts, QuotingAndCase)
     EXPECT_EQ(std::strlen(ZQ_quote_argument(big.c_str())), 10002u);
     char* copy = ZQ_quote_argument_copy(nullptr);
     EXPECT_STREQ(copy, "\"\"");
+    gmem_ee_free(copy);
+    copy = ZQ_quote_argument_copy("t\tab");
+    EXPECT_STREQ(copy, "\"t\tab\"");
     gmem_ee_free(copy);
 
     char text[] = "MiXeD \xc9";

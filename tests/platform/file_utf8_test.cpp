@@ -86,6 +86,7 @@ TEST(FileUtf8, OpenAndUnlink)
     EXPECT_EQ(unlink_utf8(name.c_str()), -1);
     EXPECT_EQ(errno, ENOENT);
     EXPECT_EQ(open_utf8(nullptr, O_RDONLY, 0), -1);
+    EXPECT_EQ(unlink_utf8(nullptr), -1);
 }
 
 TEST(FileUtf8, IsDirectory)

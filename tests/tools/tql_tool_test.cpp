@@ -153,6 +153,7 @@ TEST(TqlTool, NameParseAndNumberCommands)
         {"parse " + dir.path() + "/none", 1, ""},
         {"parse --seps", 2, ""},
         {"num fmt 123.456 13 2", 0, "gparse_dbltoas 1  \"123.46\"\n"},
+        {"num fmt 0 10 2", 0, "gparse_dbltoas 1  \"     0.00\"\n"},
         {"num fmt x 10 2", 2, ""},
     };
     for (const ToolCase& r : runs) {
