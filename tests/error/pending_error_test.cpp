@@ -145,7 +145,6 @@ TEST_F(PendingErrorTest, ReportsGoToHooksOrStderr)
     const Case cases[] = {
         {"report_error QString", [] { report_error(QString("caf") + QChar(0xE9)); },
          "ERROR         -001 caf\xC3\xA9: \n", cleared},
-        {"report_error empty text", [] { report_error(""); }, "ERROR         -001: \n", cleared},
         {"report_error two parts", [] { report_error("a", "b"); }, "ERROR         -001 a\nb: \n", cleared},
         {"coded error", [] { aerr_set("GUI", 12, "M", "T"); report_pending_error(); },
          "ERROR      GUI0012 T: M\n", cleared},
@@ -154,8 +153,6 @@ TEST_F(PendingErrorTest, ReportsGoToHooksOrStderr)
         {"report_warning", [] { set_pending_error("keep"); report_warning("careful\n"); }, "WARNING careful\n",
          kept},
         {"report_warning empty", [] { set_pending_error("keep"); report_warning(""); }, "", kept},
-        {"report_warning empty second part",
-         [] { set_pending_error("keep"); report_warning(std::string("a"), std::string("")); }, "WARNING a\n", kept},
         {"error hook declines", [] { aerr_set_error_function(recording_hook); report_error("disk full"); },
          "ERROR         -001 disk full: \n", "[|-1||disk full|during=disk full] " + cleared},
         {"error hook takes it",
