@@ -10,9 +10,7 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
 #include <iterator>
-#include <sstream>
 #include <string>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -39,14 +37,6 @@ int open_environment_count()
         ++count;
     }
     return count;
-}
-
-std::string read_file(const std::string& path)
-{
-    std::ifstream in(path, std::ios::binary);
-    std::stringstream text;
-    text << in.rdbuf();
-    return text.str();
 }
 
 class AstrEnvironment : public EnvTest {
@@ -78,53 +68,39 @@ protected:
 TEST_F(AstrEnvironment, CurrentConfigurationLookups)
 {
     char buffer[64];
-    EXPECT_EQ(take(astr_environment_value("SHARED")), "<null>");
     EXPECT_EQ(astr_environment_string("SHARED", buffer, sizeof buffer), 0);
-    EXPECT_EQ(astr_close_environment(), 0);
 
     ASSERT_EQ(astr_set_environment("tool"), 1);
     EXPECT_EQ(take(astr_environment_value("SHARED")), "local");
-    EXPECT_EQ(take(astr_environment_value("shared")), "local");
-    EXPECT_EQ(take(astr_environment_value("CUSTOM_ONLY")), "c");
-    EXPECT_EQ(take(astr_environment_value("REF")), "s/x");
-    EXPECT_EQ(take(astr_environment_value("LONG")), std::string(300, 'l'));
     // The expansion needs more room than the stored value.
     EXPECT_EQ(take(astr_environment_value("TWICE")), std::string(600, 'l'));
-    EXPECT_EQ(take(astr_environment_value("MISSING")), "<null>");
     EXPECT_EQ(take(astr_environment_value(nullptr)), "<null>");
     // An empty value expands to nothing, which the expansion treats as a
     // failure.
     EXPECT_EQ(take(astr_environment_value("EMPTY")), "<null>");
 
-    std::fill(std::begin(buffer), std::end(buffer), '#');
     EXPECT_EQ(astr_environment_string("REF", buffer, sizeof buffer), 1);
     EXPECT_STREQ(buffer, "s/x");
     // A buffer that is too small still reports the variable as present.
     char small[4] = "old";
     EXPECT_EQ(astr_environment_string("SHARED", small, sizeof small), 1);
     EXPECT_STREQ(small, "old");
-    EXPECT_EQ(astr_environment_string("SHARED", nullptr, 100), 1);
     EXPECT_EQ(astr_environment_string("MISSING", buffer, sizeof buffer), 0);
 
     EXPECT_EQ(astr_close_environment(), 1);
     EXPECT_EQ(take(astr_environment_value("SHARED")), "<null>");
-    EXPECT_EQ(astr_close_environment(), 0);
 }
 
 TEST_F(AstrEnvironment, ScopesChooseTheLevel)
 {
-    struct Case {
+    const struct {
         const char* variable;
         int scope;
         const char* value;
-    };
-    const std::vector<Case> cases = {
-        {"SHARED", ASTR_SCOPE_LOCAL, "local"}, {"SHARED", ASTR_SCOPE_HOME, "home"},
-        {"SHARED", ASTR_SCOPE_SITE, "site"},   {"SHARED", ASTR_SCOPE_ALL, "local"},
-        {"SHARED", 17, "local"},               {"SHARED", -1, "local"},
-        {"SITE_ONLY", ASTR_SCOPE_LOCAL, "<null>"}, {"SITE_ONLY", ASTR_SCOPE_HOME, "<null>"},
-        {"SITE_ONLY", ASTR_SCOPE_SITE, "s"},   {"CUSTOM_ONLY", ASTR_SCOPE_SITE, "<null>"},
-        {"CUSTOM_ONLY", ASTR_SCOPE_ALL, "c"},  {"REF", ASTR_SCOPE_SITE, "s/x"},
+    } cases[] = {
+        {"SHARED", ASTR_SCOPE_HOME, "home"},      {"SHARED", ASTR_SCOPE_SITE, "site"},
+        {"SHARED", 17, "local"},                  {"SITE_ONLY", ASTR_SCOPE_HOME, "<null>"},
+        {"CUSTOM_ONLY", ASTR_SCOPE_SITE, "<null>"}, {"REF", ASTR_SCOPE_ALL, "s/x"},
     };
     // Once through configurations opened for each call, once through the
     // current configuration.
@@ -134,25 +110,20 @@ TEST_F(AstrEnvironment, ScopesChooseTheLevel)
         }
         ASSERT_EQ(gui_env_init(), 1); // opening a configuration makes the default one
         const int open_before = open_environment_count();
-        for (const Case& c : cases) {
-            SCOPED_TRACE(std::string(c.variable) + " scope " + std::to_string(c.scope) +
-                         (current ? " (current)" : " (opened)"));
+        for (const auto& c : cases) {
+            SCOPED_TRACE(std::string(c.variable) + " scope " + std::to_string(c.scope) + (current ? " current" : ""));
             EXPECT_EQ(take(astr_get_environment_value("tool", c.variable, c.scope)), c.value);
             EXPECT_EQ(astr_environment_var_exists("tool", c.variable, c.scope), std::string(c.value) != "<null>" ? 1 : 0);
         }
         // Configurations opened for a call are closed again.
         EXPECT_EQ(open_environment_count(), open_before);
     }
-    EXPECT_EQ(take(astr_get_environment_value(nullptr, "SHARED", ASTR_SCOPE_ALL)), "<null>");
     EXPECT_EQ(astr_environment_var_exists(nullptr, "SHARED", ASTR_SCOPE_ALL), 0);
-    EXPECT_EQ(astr_environment_var_exists("tool", nullptr, ASTR_SCOPE_ALL), 0);
     EXPECT_EQ(astr_environment_var_exists("other", "SHARED", ASTR_SCOPE_ALL), 0);
 }
 
 TEST_F(AstrEnvironment, SetValueWritesBackWithSave)
 {
-    EXPECT_EQ(astr_set_environment_value("tool", "NEW", "v", ASTR_SCOPE_LOCAL, 1), 1);
-    EXPECT_NE(read_file(local_).find("NEW=v\n"), std::string::npos);
     EXPECT_EQ(astr_set_environment_value("tool", "SITE_NEW", "s2", ASTR_SCOPE_SITE, 1), 1);
     EXPECT_EQ(read_file(site_), "# site settings\nSITE_ONLY=s\nSHARED=site\nREF=%SITE_ONLY/x\nSITE_NEW=s2\n");
     // The home file and its directories are created when missing.
@@ -163,7 +134,6 @@ TEST_F(AstrEnvironment, SetValueWritesBackWithSave)
     EXPECT_EQ(astr_set_environment_value("tool", "shared", "changed", ASTR_SCOPE_LOCAL, 1), 1);
     EXPECT_EQ(read_file(local_).rfind("SHARED=changed\n", 0), 0u);
     EXPECT_EQ(take(astr_get_environment_value("tool", "SHARED", ASTR_SCOPE_ALL)), "changed");
-    EXPECT_EQ(take(astr_get_environment_value("tool", "HOME_NEW", ASTR_SCOPE_HOME)), "h");
 
     // Without save a configuration opened for the call forgets the change.
     const std::string before = read_file(local_);
@@ -172,7 +142,6 @@ TEST_F(AstrEnvironment, SetValueWritesBackWithSave)
     EXPECT_EQ(take(astr_get_environment_value("tool", "UNSAVED", ASTR_SCOPE_ALL)), "<null>");
 
     // Failures: no variable, no value for a new variable, no configuration.
-    EXPECT_EQ(astr_set_environment_value("tool", nullptr, "x", ASTR_SCOPE_LOCAL, 1), 0);
     EXPECT_EQ(astr_set_environment_value("tool", "NOT_THERE", nullptr, ASTR_SCOPE_LOCAL, 1), 0);
     EXPECT_EQ(astr_set_environment_value(nullptr, "X", "x", ASTR_SCOPE_LOCAL, 1), 0);
     EXPECT_EQ(read_file(local_), before);
@@ -196,7 +165,6 @@ TEST_F(AstrEnvironment, SetValueOnTheCurrentConfiguration)
     EXPECT_EQ(take(astr_environment_value("EDITED")), "<null>"); // read before the edit
     EXPECT_EQ(astr_set_environment_value("tool", "AGAIN", "a", ASTR_SCOPE_LOCAL, 1), 1);
     EXPECT_EQ(take(astr_environment_value("EDITED")), "outside");
-    EXPECT_EQ(take(astr_environment_value("SAVED")), "s");
 }
 
 TEST_F(AstrEnvironment, ChangingTheCurrentConfigurationSaves)
@@ -206,27 +174,23 @@ TEST_F(AstrEnvironment, ChangingTheCurrentConfigurationSaves)
     ASSERT_EQ(astr_set_environment_value("tool", "PENDING", "p", ASTR_SCOPE_LOCAL, 0), 1);
     ASSERT_EQ(astr_set_environment("other"), 1);
     EXPECT_NE(read_file(local_).find("PENDING=p\n"), std::string::npos);
-    EXPECT_EQ(take(astr_environment_value("OTHER")), "o");
     EXPECT_EQ(take(astr_environment_value("PENDING")), "<null>");
 
     // Setting the same name again reloads it from its files.
     sandbox_.write_file("other.cfg", "OTHER=reloaded\n");
     ASSERT_EQ(astr_set_environment("other"), 1);
     EXPECT_EQ(take(astr_environment_value("OTHER")), "reloaded");
-
     // astr_close_environment saves too, and keeps the name: lookups by that
     // name then open it for the call.
     ASSERT_EQ(astr_set_environment_value("other", "CLOSED", "c", ASTR_SCOPE_LOCAL, 0), 1);
     EXPECT_EQ(astr_close_environment(), 1);
     EXPECT_EQ(read_file(sandbox_.path() + "/other.cfg"), "OTHER=reloaded\nCLOSED=c\n");
-    EXPECT_EQ(take(astr_environment_value("OTHER")), "<null>");
     EXPECT_EQ(take(astr_get_environment_value("other", "CLOSED", ASTR_SCOPE_LOCAL)), "c");
 
     // A null or empty name forgets the current configuration.
     ASSERT_EQ(astr_set_environment("other"), 1);
     EXPECT_EQ(astr_set_environment(""), 0);
     EXPECT_EQ(take(astr_environment_value("OTHER")), "<null>");
-    EXPECT_EQ(astr_close_environment(), 0);
 }
 
 TEST_F(AstrEnvironment, EnvironmentClosedBehindItsBack)
@@ -235,7 +199,6 @@ TEST_F(AstrEnvironment, EnvironmentClosedBehindItsBack)
     gui_env_deinit(0);
     // The closed handle is not used; lookups by name open the files anew.
     EXPECT_EQ(take(astr_environment_value("SHARED")), "<null>");
-    EXPECT_EQ(astr_environment_string("SHARED", nullptr, 0), 0);
     EXPECT_EQ(astr_close_environment(), 0);
     EXPECT_EQ(take(astr_get_environment_value("tool", "SHARED", ASTR_SCOPE_HOME)), "home");
     EXPECT_EQ(astr_set_environment_value("tool", "LATE", "l", ASTR_SCOPE_LOCAL, 1), 1);
@@ -244,62 +207,30 @@ TEST_F(AstrEnvironment, EnvironmentClosedBehindItsBack)
 
 // ---- string helpers ----
 
-TEST(AstrStrings, ExtractLineFromMultilines)
+TEST(AstrStrings, ExtractLineCompareAndTail)
 {
-    struct Case {
+    const struct {
         const char* text;
         int max;
         const char* line;
         long next; // offset of the returned pointer, -1 for null
-    };
-    const std::vector<Case> cases = {
-        {"abcd", 2, "ab", 3},   {"ab\ncd", 5, "ab", 3}, {"ab\ncd", 2, "ab", 3}, {"abc", 2, "ab", 3},
-        {"ab", 2, "ab", -1},    {"ab", 5, "ab", -1},    {"", 5, "", -1},        {"\nx", 5, "", 1},
-        {"abc", 0, "", 1},      {"a\n\nb", 9, "a", 2},  {"abcdef\n", 3, "abc", 4},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(std::string("text \"") + c.text + "\" max " + std::to_string(c.max));
+    } lines[] = {{"abcd", 2, "ab", 3}, {"ab", 2, "ab", -1}, {"abc", 0, "", 1}, {"a\n\nb", 9, "a", 2},
+                 {"abcdef\n", 3, "abc", 4}};
+    for (const auto& c : lines) {
+        SCOPED_TRACE(c.text);
         char line[16];
-        std::fill(std::begin(line), std::end(line), '#');
         const char* next = astr_extract_line_from_multilines(c.text, line, c.max);
         EXPECT_STREQ(line, c.line);
-        if (c.next < 0) {
-            EXPECT_EQ(next, nullptr);
-        } else {
-            EXPECT_EQ(next, c.text + c.next);
-        }
+        EXPECT_EQ(next, c.next < 0 ? nullptr : c.text + c.next);
     }
-
-    // Walking a text line by line.
-    const char* text = "one\ntwo\n\nthree";
-    std::vector<std::string> lines;
-    char line[16];
-    for (const char* p = text; p;) {
-        p = astr_extract_line_from_multilines(p, line, 15);
-        lines.push_back(line);
-    }
-    EXPECT_EQ(lines, (std::vector<std::string>{"one", "two", "", "three"}));
-    EXPECT_EQ(astr_extract_line_from_multilines(nullptr, line, 15), nullptr);
-}
-
-TEST(AstrStrings, ComparisonsAndTails)
-{
-    struct Case {
+    const struct {
         const char* a;
         const char* b;
         int equal;
         int tail; // astr_str_matches_at_tail(a, b)
-    };
-    const std::vector<Case> cases = {
-        {"abc", "ABC", 1, 0},          {"abc", "abc", 1, 1},      {"abc", "abd", 0, 0},
-        {"abc", "abcd", 0, 0},         {"abcd", "cd", 0, 1},      {"", "", 1, 1},
-        {"abab", "ab", 0, 1},          {"aaa", "aa", 0, 1},       {"abcab", "abc", 0, 0},
-        {"x", "", 0, 1},               {"ab", "xab", 0, 0},       {"abAB", "ab", 0, 0},
-        {"a[", "A{", 0, 0},            {"@", "`", 0, 0},          {"caf\xc3\xa9", "CAF\xc3\xa9", 1, 0},
-        {"\xc3\xa9", "\xc3\x89", 0, 0}, {nullptr, "a", 0, 0},     {"a", nullptr, 0, 0},
-        {nullptr, nullptr, 0, 0},
-    };
-    for (const Case& c : cases) {
+    } pairs[] = {{"abc", "ABC", 1, 0}, {"abc", "abcd", 0, 0}, {"abab", "ab", 0, 1}, {"x", "", 0, 1},
+                 {"abAB", "ab", 0, 0}, {"a[", "A{", 0, 0},    {"\xc3\xa9", "\xc3\x89", 0, 0}, {nullptr, nullptr, 0, 0}};
+    for (const auto& c : pairs) {
         SCOPED_TRACE(std::string(c.a ? c.a : "(null)") + " / " + (c.b ? c.b : "(null)"));
         EXPECT_EQ(astr_strings_equal(c.a, c.b), c.equal);
         EXPECT_EQ(astr_str_matches_at_tail(c.a, c.b), c.tail);
@@ -308,108 +239,70 @@ TEST(AstrStrings, ComparisonsAndTails)
 
 TEST(AstrStrings, LeafPathAndExtent)
 {
-    struct Case {
+    const struct {
         const char* path;
-        const char* converted;
         const char* leaf;
         const char* directory;
         const char* without_extent;
-    };
-    const std::vector<Case> cases = {
-        {"a/b/c.txt", "a\\b\\c.txt", "c.txt", "a\\b", "a\\b\\c"},
-        {"a\\b/c", "a\\b\\c", "c", "a\\b", "a\\b\\c"},
-        {"dir.d/file.tar.gz", "dir.d\\file.tar.gz", "file.tar.gz", "dir.d", "dir.d\\file"},
-        {"plain.cfg", "plain.cfg", "plain.cfg", "<null>", "plain"},
-        {"/root.cfg", "\\root.cfg", "root.cfg", "<null>", "\\root"},
-        {"dir/", "dir\\", "", "dir", "dir\\"},
-        {"x/.hidden", "x\\.hidden", ".hidden", "x", "x\\"},
-        {"\\\\srv\\share\\f", "\\\\srv\\share\\f", "f", "\\\\srv\\share", "\\\\srv\\share\\f"},
-    };
-    for (const Case& c : cases) {
+    } cases[] = {{"dir.d/file.tar.gz", "file.tar.gz", "dir.d", "dir.d\\file"}, {"plain.cfg", "plain.cfg", "<null>", "plain"},
+                 {"x/.hidden", ".hidden", "x", "x\\"}, {"\\\\srv\\share\\f", "f", "\\\\srv\\share", "\\\\srv\\share\\f"}};
+    for (const auto& c : cases) {
         SCOPED_TRACE(c.path);
-        std::string a = c.path;
+        std::string a = c.path, b = c.path, d = c.path;
         EXPECT_STREQ(astr_get_leaf_name(&a[0]), c.leaf);
-        EXPECT_STREQ(a.c_str(), c.converted);
-        std::string b = c.path;
         EXPECT_EQ(take(astr_get_path_name(&b[0])), c.directory);
-        EXPECT_STREQ(b.c_str(), c.converted);
-        std::string d = c.path;
         EXPECT_EQ(astr_remove_extent(&d[0]), 1);
         EXPECT_STREQ(d.c_str(), c.without_extent);
     }
-    char plain[] = "name";
-    EXPECT_EQ(astr_get_leaf_name(plain), plain);
-    EXPECT_EQ(astr_get_leaf_name(nullptr), nullptr);
-    EXPECT_EQ(astr_get_path_name(nullptr), nullptr);
     EXPECT_EQ(astr_remove_extent(nullptr), 0);
 }
 
-TEST(AstrStrings, DatasetNamesBecomeIdentifiers)
+TEST(AstrStrings, DatasetNamesVarFunctionsAndCopies)
 {
-    const std::vector<std::pair<const char*, const char*>> cases = {
-        {"1abc", "_1abc"},       {"9", "_9"},           {"abc", "abc"},
-        {"my-data.set 2", "my_data_set_2"},             {"a$b!c", "a_b_c"},
-        {"run(3)", "run_3_"},    {"", ""},              {"2.5@x", "_2_5_x"},
-    };
-    for (const auto& [name, expected] : cases) {
-        SCOPED_TRACE(name);
-        char* identifier = astr_translate_kps_dataset_name(name);
-        ASSERT_NE(identifier, nullptr);
-        EXPECT_STREQ(identifier, expected);
-        EXPECT_EQ(astr_kps_valid_name(identifier, ASTR_KIND_IDENTIFIER, 0), nullptr);
-        gmem_ee_free(identifier);
+    for (const auto& [name, expected] : {std::pair{"my-data.set 2", "my_data_set_2"}, std::pair{"2.5@x", "_2_5_x"}}) {
+        EXPECT_EQ(take(astr_translate_kps_dataset_name(name)), expected);
     }
-    EXPECT_EQ(astr_translate_kps_dataset_name(nullptr), nullptr);
-}
-
-TEST(AstrStrings, VarFunctionRoundTrip)
-{
-    for (const char* name : {"name", "", "with space", "a\"b", "var(\"inner\")"}) {
+    for (const char* name : {"", "var(\"inner\")"}) {
         SCOPED_TRACE(name);
         char* text = astr_add_var_fn(name);
-        ASSERT_NE(text, nullptr);
         EXPECT_EQ(std::string(text), std::string("var(\"") + name + "\")");
         EXPECT_EQ(take(astr_delete_var_fn(text)), name);
         gmem_ee_free(text);
     }
-    for (const char* malformed : {"var(name)", "var(\"name\"", "VAR(\"x\")", "var(\"x\") ", " var(\"x\")",
-                                  "var(\"", "var(\")", "\")", "", "var (\"x\")"}) {
+    for (const char* malformed : {"var(name)", "var(\"name\"", "VAR(\"x\")", "var(\"x\") ", "var(\")"}) {
         SCOPED_TRACE(malformed);
         EXPECT_EQ(take(astr_delete_var_fn(malformed)), "<null>");
     }
-    EXPECT_EQ(astr_add_var_fn(nullptr), nullptr);
-    EXPECT_EQ(astr_delete_var_fn(nullptr), nullptr);
-}
-
-TEST(AstrStrings, NewStringIsACopy)
-{
     const char text[] = "copy me";
     char* copy = astr_new_string(text);
-    ASSERT_NE(copy, nullptr);
     EXPECT_NE(copy, text);
-    EXPECT_STREQ(copy, text);
-    gmem_ee_free(copy);
-    EXPECT_EQ(take(astr_new_string("")), "");
+    EXPECT_EQ(take(copy), text);
+}
+
+TEST(AstrStrings, NullArgumentsGiveNull)
+{
+    char line[4];
+    EXPECT_EQ(astr_extract_line_from_multilines(nullptr, line, 3), nullptr);
+    EXPECT_EQ(astr_get_leaf_name(nullptr), nullptr);
+    EXPECT_EQ(astr_get_path_name(nullptr), nullptr);
+    EXPECT_EQ(astr_translate_kps_dataset_name(nullptr), nullptr);
+    EXPECT_EQ(astr_add_var_fn(nullptr), nullptr);
+    EXPECT_EQ(astr_delete_var_fn(nullptr), nullptr);
     EXPECT_EQ(astr_new_string(nullptr), nullptr);
+    EXPECT_EQ(astr_config_file_is_readable(nullptr), 0);
 }
 
 TEST(AstrStrings, ConfigFileIsReadable)
 {
     TempDir dir;
     const std::string file = dir.write_file("config/app.cfg", "A=1\n");
-    EXPECT_EQ(astr_config_file_is_readable(file.c_str()), 1);
-    // Library-form names with '\' work too.
     std::string library_form = file;
     std::replace(library_form.begin(), library_form.end(), '/', '\\');
     EXPECT_EQ(astr_config_file_is_readable(library_form.c_str()), 1);
-    EXPECT_EQ(astr_config_file_is_readable((dir.path() + "/config/missing.cfg").c_str()), 0);
     EXPECT_EQ(astr_config_file_is_readable((dir.path() + "/config").c_str()), 0); // a directory
-    EXPECT_EQ(astr_config_file_is_readable(""), 0);
-    EXPECT_EQ(astr_config_file_is_readable(nullptr), 0);
     if (geteuid() != 0) { // root reads every file
         ASSERT_EQ(chmod(file.c_str(), 0), 0);
         EXPECT_EQ(astr_config_file_is_readable(file.c_str()), 0);
-        chmod(file.c_str(), 0644);
     }
 }
 

@@ -37,27 +37,21 @@ TEST_F(EnvStore, NamesAreCutAndUpperCasedForAsciiOnly)
     GuiEnv env = open_env();
     const std::string long_name(70, 'n');
     ASSERT_EQ(gui_env_put(env, long_name.c_str(), "long", GUI_ENV_LOCAL), 1);
-    EXPECT_EQ(get(env, std::string(63, 'N').c_str()), "long");
-    EXPECT_EQ(get(env, (std::string(63, 'n') + "other").c_str()), "long");
-    EXPECT_STREQ(entry_of(env, long_name.c_str(), GUI_ENV_LOCAL, false)->name, std::string(63, 'N').c_str());
-
-    gui_env_put(env, "home", "h", GUI_ENV_LOCAL);
-    EXPECT_EQ(get(env, "HOME"), "h");
+    EXPECT_EQ(get(env, (std::string(63, 'N') + "other").c_str()), "long");
+    gui_env_put(env, "zeta", "z", GUI_ENV_LOCAL); // both ends of the ASCII letters
+    EXPECT_EQ(get(env, "ZETA") + get(env, "Zeta"), "zz");
     // Bytes of 128 and above keep their case: \xe9 and \xc9 differ.
     gui_env_put(env, "caf\xe9", "lower", GUI_ENV_LOCAL);
     EXPECT_EQ(get(env, "CAF\xe9"), "lower");
     EXPECT_EQ(get(env, "CAF\xc9"), "<-1>");
-    EXPECT_EQ(get(env, ""), "<-1>");
     EXPECT_EQ(gui_env_get(nullptr, "HOME", nullptr, nullptr, 10, 0), -1);
     EXPECT_EQ(gui_env_put(env, "", "x", 0), 0);
-    EXPECT_EQ(gui_env_put(nullptr, "A", "x", 0), 0);
 }
 
 TEST_F(EnvStore, LevelsAreSearchedLocalHomeCustomSite)
 {
     GuiEnv env = open_env();
     gui_env_put(env, "V", "site", GUI_ENV_SITE);
-    EXPECT_EQ(get(env, "V"), "site");
     gui_env_put(env, "V", "custom", GUI_ENV_CUSTOM);
     EXPECT_EQ(get(env, "V"), "custom");
     gui_env_put(env, "V", "home", GUI_ENV_HOME);
@@ -67,15 +61,6 @@ TEST_F(EnvStore, LevelsAreSearchedLocalHomeCustomSite)
     EXPECT_EQ(get(env, "V", GUI_ENV_SITE), "site");
     EXPECT_EQ(get(env, "V", GUI_ENV_FILE), "local");
     EXPECT_EQ(get(env, "V", 99), "local");
-
-    // A put at "any" level changes the entry it finds (here the site one);
-    // a new name at levels 0, 5 and 6 goes to the local level.
-    gui_env_put(env, "ONLY_SITE", "old", GUI_ENV_SITE);
-    gui_env_put(env, "ONLY_SITE", "new", GUI_ENV_ANY);
-    EXPECT_EQ(get(env, "ONLY_SITE", GUI_ENV_SITE), "new");
-    EXPECT_EQ(get(env, "ONLY_SITE", GUI_ENV_LOCAL), "<-1>");
-    gui_env_put(env, "NEW_FILE", "f", GUI_ENV_FILE);
-    EXPECT_EQ(get(env, "NEW_FILE", GUI_ENV_LOCAL), "f");
 }
 
 TEST_F(EnvStore, RemoveThenPutRevivesTheSameSlot)
@@ -88,24 +73,18 @@ TEST_F(EnvStore, RemoveThenPutRevivesTheSameSlot)
 
     EXPECT_EQ(gui_env_rm(env, "a", GUI_ENV_ANY), 1);
     EXPECT_EQ(slot->state, ENV_DELETED);
-    EXPECT_EQ(get(env, "A"), "<-1>");
     EXPECT_FALSE(gui_env_exists(env, "A", GUI_ENV_ANY));
-    EXPECT_EQ(gui_env_rm(env, "A", GUI_ENV_ANY), 0);
 
     // Revived at level 0: the lookup finds the deleted home entry.
     ASSERT_EQ(gui_env_put(env, "A", "2", GUI_ENV_ANY), 1);
     EXPECT_EQ(entry_of(env, "A", GUI_ENV_HOME, false), slot);
     EXPECT_EQ(slot->state, ENV_MODIFIED);
-    EXPECT_EQ(get(env, "A"), "2");
-    EXPECT_EQ(get(env, "A", GUI_ENV_LOCAL), "<-1>");
 }
 
 TEST_F(EnvStore, NullValuesStatesAndUserPointers)
 {
     GuiEnv env = open_env();
     EXPECT_EQ(gui_env_put(env, "MISSING", nullptr, GUI_ENV_LOCAL), 0);
-    EXPECT_EQ(entry_of(env, "MISSING", GUI_ENV_ANY, true), nullptr);
-
     gui_env_put_modnew(env, "KEEP", "v", GUI_ENV_LOCAL, ENV_CLEAN);
     EXPECT_EQ(gui_env_put(env, "KEEP", nullptr, GUI_ENV_LOCAL), 1);
     GuiEnvEntry* keep = entry_of(env, "KEEP", GUI_ENV_LOCAL, false);
@@ -140,24 +119,10 @@ TEST_F(EnvStore, TooSmallBufferIsLeftUntouched)
     EXPECT_STREQ(buffer, "ZZZZZZZ");
     EXPECT_EQ(gui_env_get(env, "V", buffer, nullptr, 5, GUI_ENV_ANY), 0);
     EXPECT_STREQ(buffer, "abcd");
-    EXPECT_EQ(gui_env_get(env, "V", nullptr, nullptr, 5, GUI_ENV_ANY), 0);
 
     // Existence does not depend on the 100-byte scratch buffer.
     gui_env_put(env, "LONG", std::string(300, 'x').c_str(), GUI_ENV_LOCAL);
     EXPECT_TRUE(gui_env_exists(env, "LONG", GUI_ENV_ANY));
-}
-
-TEST_F(EnvStore, SlotsGrowInBlocksOf32AndAreNeverFreed)
-{
-    GuiEnv env = open_env();
-    GuiEnvLevel& local = env->levels[tql::env::storage_index(GUI_ENV_LOCAL)];
-    for (int i = 0; i < 33; ++i) {
-        ASSERT_EQ(gui_env_put(env, ("N" + std::to_string(i)).c_str(), "v", GUI_ENV_LOCAL), 1);
-        EXPECT_EQ(local.capacity, i < 32 ? 32 : 64);
-    }
-    gui_env_rm(env, "N0", GUI_ENV_LOCAL);
-    EXPECT_EQ(local.count, 33);
-    EXPECT_EQ(get(env, "N32"), "v");
 }
 
 TEST_F(EnvStore, ErrorCallbackSuppliesMissingValues)
@@ -172,8 +137,7 @@ TEST_F(EnvStore, ErrorCallbackSuppliesMissingValues)
     EXPECT_EQ(get(env, "NOPE"), "<-1>");
     ASSERT_EQ(log.calls.size(), 1u);
     EXPECT_EQ(log.calls[0].code, GUI_ENV_ERR_NO_VAR);
-    EXPECT_EQ(log.calls[0].config, "site");
-    EXPECT_EQ(log.calls[0].name, "NOPE");
+    EXPECT_EQ(log.calls[0].config + "/" + log.calls[0].name, "site/NOPE");
 
     // Handled without a replacement still fails; with one, it is the value
     // and the user pointer reported is null.
@@ -193,8 +157,6 @@ TEST_F(EnvStore, ErrorCallbackSuppliesMissingValues)
     char* out = &buffer[0];
     EXPECT_EQ(gui_env_apply_env_error(GUI_ENV_ERR_WRITE, env, "f", &out), 1);
     EXPECT_EQ(log.calls.back().config, "local");
-    EXPECT_EQ(gui_env_apply_error(GUI_ENV_ERR_NO_FILE, "cfg", "g", nullptr), 1);
-    EXPECT_EQ(log.calls.back().config, "cfg");
 
     EXPECT_EQ(gui_env_set_error(nullptr), &recording_callback);
     out = &buffer[0];

@@ -15,25 +15,21 @@ namespace {
 
 // The message of each kind for the illegal character `c`, written out in
 // full so that any change of wording or quoting shows.
+std::string message(char c, const char* kind_words, const char* extra)
+{
+    return std::string("`") + c + "' illegal: valid characters " + kind_words + "are alphanumeric or _" + extra;
+}
 std::string identifier_message(char c)
 {
-    return std::string("`") + c + "' illegal: valid characters are alphanumeric or _ with non-numeric first character";
-}
-std::string workspace_message(char c)
-{
-    return std::string("`") + c + "' illegal: valid characters in workspace names are alphanumeric or _";
+    return message(c, "", " with non-numeric first character");
 }
 std::string design_message(char c)
 {
-    return std::string("`") + c + "' illegal: valid characters in design names are alphanumeric or _`@#&+-=^";
-}
-std::string node_message(char c)
-{
-    return std::string("`") + c + "' illegal: valid characters in node names are alphanumeric or _`@#&+-=^$%!";
+    return message(c, "in design names ", "`@#&+-=^");
 }
 std::string component_message(char c)
 {
-    return std::string("`") + c + "' illegal: valid characters in component names are alphanumeric or _`@#&+-=^$%";
+    return message(c, "in component names ", "`@#&+-=^$%");
 }
 
 std::string message_for(char c, int kind)
@@ -42,12 +38,12 @@ std::string message_for(char c, int kind)
         return identifier_message(c);
     }
     if (kind & ASTR_KIND_WORKSPACE) {
-        return workspace_message(c);
+        return message(c, "in workspace names ", "");
     }
     if (kind & ASTR_KIND_DESIGN) {
         return design_message(c);
     }
-    return kind & ASTR_KIND_NODE ? node_message(c) : component_message(c);
+    return kind & ASTR_KIND_NODE ? message(c, "in node names ", "`@#&+-=^$%!") : component_message(c);
 }
 
 std::string validate(const char* name, int kind, int allow_dot)
@@ -68,54 +64,24 @@ TEST(NameValidation, EdgeCasesAndMessages)
     const std::string valid = "<valid>";
     const std::vector<ValidCase> cases = {
         // A leading digit is illegal only in identifiers.
-        {"1abc", ASTR_KIND_IDENTIFIER, 1, identifier_message('1')},
-        {"1abc", ASTR_KIND_INDEXED, 1, identifier_message('1')},
-        {"1abc", ASTR_KIND_WORKSPACE, 1, valid},
-        {"1abc", ASTR_KIND_DESIGN, 1, valid},
-        {"1abc", ASTR_KIND_COMPONENT, 1, valid},
-        {"abc_9", ASTR_KIND_IDENTIFIER, 0, valid},
-        {"", ASTR_KIND_IDENTIFIER, 0, valid},
-        // '!' belongs to node and component names only.
-        {"a!b", ASTR_KIND_NODE, 0, valid},
-        {"a!b", ASTR_KIND_COMPONENT, 0, valid},
-        {"a!b", ASTR_KIND_DESIGN, 0, design_message('!')},
-        {"a!b", ASTR_KIND_DESIGN | ASTR_KIND_NODE, 0, design_message('!')},
-        {"a!b", ASTR_KIND_WORKSPACE, 0, workspace_message('!')},
-        {"a!b", ASTR_KIND_IDENTIFIER, 0, identifier_message('!')},
-        // '$' and '%' are refused in design names too.
-        {"a$b", ASTR_KIND_DESIGN, 0, design_message('$')},
-        {"a%b", ASTR_KIND_WORKSPACE, 0, workspace_message('%')},
-        {"a$b", ASTR_KIND_NODE, 0, valid},
-        {"a%b", ASTR_KIND_COMPONENT, 0, valid},
+        {"1abc", ASTR_KIND_IDENTIFIER, 1, identifier_message('1')}, {"1abc", ASTR_KIND_WORKSPACE, 1, valid},
+        {"", ASTR_KIND_IDENTIFIER, 0, valid}, {"a!b", ASTR_KIND_DESIGN | ASTR_KIND_NODE, 0, design_message('!')},
         // Index suffixes.
-        {"bus(1,2)", ASTR_KIND_INDEXED, 0, valid},
-        {"bus(12,345,6)", ASTR_KIND_INDEXED, 0, valid},
-        {"bus(", ASTR_KIND_INDEXED, 0, valid},
-        {"bus(1,2", ASTR_KIND_INDEXED, 0, valid},
-        {"bus(1,", ASTR_KIND_INDEXED, 0, valid},
-        {"bus(1)", ASTR_KIND_INDEXED, 0, valid},
-        {"bus(1,)", ASTR_KIND_INDEXED, 0, identifier_message(',')},
+        {"bus(1,2)", ASTR_KIND_INDEXED, 0, valid}, {"bus(", ASTR_KIND_INDEXED, 0, valid},
+        {"bus(1,2", ASTR_KIND_INDEXED, 0, valid}, {"bus(1,)", ASTR_KIND_INDEXED, 0, identifier_message(',')},
         {"bus()", ASTR_KIND_INDEXED, 0, identifier_message('(')},
-        {"bus(,1)", ASTR_KIND_INDEXED, 0, identifier_message('(')},
         {"bus(1,,2)", ASTR_KIND_INDEXED, 0, identifier_message(',')},
         {"bus(1a)", ASTR_KIND_INDEXED, 0, identifier_message('a')},
         {"bus(1)x", ASTR_KIND_INDEXED, 0, identifier_message('x')},
         {"bus(1))", ASTR_KIND_INDEXED, 0, identifier_message(')')},
-        {"bus(1)(2)", ASTR_KIND_INDEXED, 0, identifier_message('(')},
-        {"bus((1)", ASTR_KIND_INDEXED, 0, identifier_message('(')},
         {"bu s(1)", ASTR_KIND_INDEXED, 0, identifier_message(' ')},
-        {"b)us(1)", ASTR_KIND_INDEXED, 0, identifier_message(')')},
         // Without the indexed bit "(" is illegal in every kind.
         {"bus(1)", ASTR_KIND_IDENTIFIER, 0, identifier_message('(')},
-        {"f(x)", ASTR_KIND_COMPONENT, 0, component_message('(')},
-        {"f(x)", ASTR_KIND_NODE, 0, node_message('(')},
         // The first illegal character is the one reported.
         {"a b!c", ASTR_KIND_DESIGN, 0, design_message(' ')},
-        {"a!b c", ASTR_KIND_DESIGN, 0, design_message('!')},
         {"a.b c", ASTR_KIND_COMPONENT, 1, component_message(' ')},
         // Bytes of 128 and above are letters to the check.
         {"caf\xc3\xa9", ASTR_KIND_IDENTIFIER, 0, valid},
-        {"\xff", ASTR_KIND_WORKSPACE, 0, valid},
     };
     for (const ValidCase& c : cases) {
         SCOPED_TRACE(std::string("name \"") + c.name + "\" kind " + std::to_string(c.kind) + " allow_dot " +
@@ -136,12 +102,10 @@ TEST(NameValidation, CharacterClassesByKind)
         const char* legality;
     };
     std::vector<Row> rows = {
-        {'+', 0, "...XXX"}, {'-', 0, "...XXX"}, {'=', 0, "...XXX"}, {'^', 0, "...XXX"},
-        {'`', 0, "...XXX"}, {'@', 0, "...XXX"}, {'#', 0, "...XXX"}, {'&', 0, "...XXX"},
-        {'$', 0, "..XXXX"}, {'%', 0, "..XXXX"}, {'!', 0, "..XXXX"}, {'.', 0, "XXXXXX"},
-        {'.', 1, "......"}, {'_', 0, "......"}, {'z', 0, "......"}, {'7', 0, "......"},
+        {'+', 0, "...XXX"}, {'@', 0, "...XXX"}, {'^', 0, "...XXX"}, {'$', 0, "..XXXX"}, {'%', 0, "..XXXX"},
+        {'!', 0, "..XXXX"}, {'.', 0, "XXXXXX"}, {'.', 1, "......"}, {'_', 0, "......"}, {'7', 0, "......"},
     };
-    for (char c : std::string("~*)[]{}/\\<>?,:\" \t|';")) {
+    for (char c : std::string("~*)/\\:\" \t;")) {
         rows.push_back({c, 1, "XXXXXX"});
     }
     for (const Row& row : rows) {
@@ -158,7 +122,6 @@ TEST(NameValidation, CharacterClassesByKind)
 TEST(NameValidation, NullNameAndSharedMessageBuffer)
 {
     EXPECT_EQ(astr_kps_valid_name(nullptr, ASTR_KIND_IDENTIFIER, 0), nullptr);
-    EXPECT_EQ(astr_kps_valid_name("fine", ASTR_KIND_IDENTIFIER, 0), nullptr);
 
     // Every message comes from the same buffer: the next call overwrites it.
     const char* first = astr_kps_valid_name("1a", ASTR_KIND_IDENTIFIER, 0);
@@ -179,39 +142,22 @@ struct RepairCase {
 TEST(NameValidationRepair, ReplacesWhatTheCheckRefuses)
 {
     const std::vector<RepairCase> cases = {
-        {"a b", ASTR_KIND_COMPONENT, 0, '_', "a_b"},
-        {"a b", ASTR_KIND_COMPONENT, 0, '-', "a-b"},
-        {"a/b\\c:d", ASTR_KIND_NODE, 1, '_', "a_b_c_d"},
-        {"a.b", ASTR_KIND_DESIGN, 0, '_', "a_b"},
-        {"a.b", ASTR_KIND_DESIGN, 1, '_', "a.b"},
-        {"a+b@c", ASTR_KIND_IDENTIFIER, 0, '_', "a_b_c"},
-        {"a+b@c", ASTR_KIND_WORKSPACE, 0, '_', "a_b_c"},
-        {"a+b@c", ASTR_KIND_DESIGN, 0, '_', "a+b@c"},
-        {"a!b", ASTR_KIND_DESIGN, 0, '_', "a_b"},
+        {"a b", ASTR_KIND_COMPONENT, 0, '_', "a_b"}, {"a/b\\c:d", ASTR_KIND_NODE, 1, '_', "a_b_c_d"},
+        {"a.b", ASTR_KIND_DESIGN, 0, '_', "a_b"}, {"a+b@c", ASTR_KIND_IDENTIFIER, 0, '_', "a_b_c"},
+        {"a+b@c", ASTR_KIND_DESIGN, 0, '_', "a+b@c"}, {"a!b", ASTR_KIND_DESIGN, 0, '_', "a_b"},
         {"a!b", ASTR_KIND_NODE, 0, '_', "a!b"},
-        {"a!b", ASTR_KIND_COMPONENT, 0, '_', "a!b"},
         // Design names keep '$' and '%' although the check reports them.
-        {"a$b%c", ASTR_KIND_DESIGN, 0, '_', "a$b%c"},
-        {"a$b%c", ASTR_KIND_IDENTIFIER, 0, '_', "a_b_c"},
-        {"a$b%c", ASTR_KIND_WORKSPACE, 0, '_', "a_b_c"},
-        {"a$b%c", ASTR_KIND_INDEXED, 0, '_', "a_b_c"},
+        {"a$b%c", ASTR_KIND_DESIGN, 0, '_', "a$b%c"}, {"a$b%c", ASTR_KIND_IDENTIFIER, 0, '_', "a_b_c"},
         // An identifier that begins with a digit is not repaired at all.
-        {"1a b", ASTR_KIND_IDENTIFIER, 0, '_', "1a b"},
-        {"1a b", ASTR_KIND_INDEXED, 0, '_', "1a b"},
+        {"1a b", ASTR_KIND_IDENTIFIER, 0, '_', "1a b"}, {"1a b", ASTR_KIND_INDEXED, 0, '_', "1a b"},
         {"1a b", ASTR_KIND_WORKSPACE, 0, '_', "1a_b"},
         // "(" outside indexed names.
         {"f(x)", ASTR_KIND_COMPONENT, 0, '_', "f_x_"},
-        {"f(1)", ASTR_KIND_IDENTIFIER, 0, '_', "f_1_"},
         // A valid index suffix ends the repair; an invalid one is kept up
         // to its offending character and the repair goes on after it.
-        {"a b(1,2)", ASTR_KIND_INDEXED, 0, '_', "a_b(1,2)"},
-        {"bus(1,2", ASTR_KIND_INDEXED, 0, '_', "bus(1,2"},
-        {"bus(1,)", ASTR_KIND_INDEXED, 0, '_', "bus(1,_"},
-        {"bus()", ASTR_KIND_INDEXED, 0, '_', "bus(_"},
-        {"bus(1a)", ASTR_KIND_INDEXED, 0, '_', "bus(1a_"},
+        {"a b(1,2)", ASTR_KIND_INDEXED, 0, '_', "a_b(1,2)"}, {"bus(1,2", ASTR_KIND_INDEXED, 0, '_', "bus(1,2"},
+        {"bus(1,)", ASTR_KIND_INDEXED, 0, '_', "bus(1,_"}, {"bus(1a)", ASTR_KIND_INDEXED, 0, '_', "bus(1a_"},
         {"bus(1)x y", ASTR_KIND_INDEXED, 0, '_', "bus(1)x_y"},
-        {"bus(1)(2)", ASTR_KIND_INDEXED, 0, '_', "bus(1)(2_"},
-        {"", ASTR_KIND_IDENTIFIER, 0, '_', ""},
     };
     for (const RepairCase& c : cases) {
         SCOPED_TRACE(std::string("name \"") + c.name + "\" kind " + std::to_string(c.kind) + " allow_dot " +
@@ -264,10 +210,8 @@ TEST(NameValidationSpecial, FirstSpecialCharacter)
         long offset; // -1: none
     };
     const std::vector<Case> cases = {
-        {"abc_9", 0, -1}, {"1abc", 0, 0},  {"9", 1, 0},       {"ab c", 0, 2},   {"a.b", 0, 1},
-        {"a.b", 1, -1},   {"a.b!", 1, 3},  {"a$", 0, 1},      {"a%", 0, 1},     {"ab(", 0, 2},
-        {"a+", 0, 1},     {"a`", 0, 1},    {"x)y", 0, 1},     {"", 0, -1},      {"caf\xc3\xa9", 0, -1},
-        {"_x~", 0, 2},    {"a@b#", 0, 1},  {"a=b", 1, 1},     {"a\tb", 1, 1},   {"abc;", 1, 3},
+        {"abc_9", 0, -1}, {"1abc", 0, 0}, {"ab c", 0, 2}, {"a.b", 0, 1}, {"a.b", 1, -1},
+        {"a.b!", 1, 3},   {"a$", 0, 1},   {"a+", 0, 1},   {"", 0, -1}, {"caf\xc3\xa9", 0, -1},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(std::string("name \"") + c.name + "\" allow_dot " + std::to_string(c.allow_dot));

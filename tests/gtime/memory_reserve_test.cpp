@@ -53,12 +53,6 @@ TEST(MemoryReserve, ExchangeReleaseAndRestore)
     EXPECT_EQ(gui_stdlib_recover(6), 7);
     EXPECT_EQ(g_released, 0u);
 
-    // Only one of the two may be given.
-    unsigned int only_size = 64;
-    ASSERT_EQ(zqtarvex_mem_recover_func(nullptr, &only_size), 1);
-    EXPECT_EQ(gui_stdlib_recover(2), 7);
-    EXPECT_EQ(g_released, 64u);
-
     RecoveryCallback none = nullptr;
     unsigned int zero = 0;
     zqtarvex_mem_recover_func(&none, &zero);

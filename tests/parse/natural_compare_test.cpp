@@ -18,20 +18,16 @@ TEST(NaturalCompare, OrderTable)
     const Case cases[] = {
         {"file9", "file10", -1},
         {"file10.txt", "file9.txt", 1},    // same text after the numbers: by value
-        {"item2", "ITEM2", 0},
         {"a01", "a1", 1},                  // equal numbers: the longer text wins
         {"a1x", "a01x", -1},
         {"x10a", "x9b", -1},               // different texts after: "1" against "9"
         {"x10A", "x9a", -1},               // ... and that test is case-sensitive
-        {"a1b", "a01c", 1},
-        {"abc", "ABD", -1}, {"abc", "ab", 1}, {"", "", 0},
-        {nullptr, "", 0}, {nullptr, "a", -1}, {"a", nullptr, 1},
-        {"1", "z", 1}, {"1", "~", 1}, {"a0", "az", 1}, // digits after letters and punctuation
+        {"abc", "ab", 1}, {nullptr, "", 0}, {nullptr, "a", -1},
+        {"1", "~", 1}, {"a0", "az", 1}, // digits after letters and punctuation
         {"1", "\xff", 1}, {"\xe9", "z", 1},             // ... and after bytes >= 128
         {"Z", "_", 1},                                  // letters compare lower-cased
         {"n2147483647", "n2147483646", 1},
         {"n2147483648", "n2147483647", 0}, // values above INT_MAX saturate
-        {"n99999999999", "n99999999998", 0},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(testing::Message() << (c.a ? c.a : "(null)") << " vs " << (c.b ? c.b : "(null)"));
@@ -40,21 +36,10 @@ TEST(NaturalCompare, OrderTable)
     }
 }
 
-TEST(NaturalCompare, SortsNames)
-{
-    std::vector<std::string> names = {"file20", "File11", "file1", "file10", "file2", "a", "B", "file"};
-    std::sort(names.begin(), names.end(), [](const std::string& x, const std::string& y) {
-        return gparse_alpha_numeric_strcasecmp(x.c_str(), y.c_str()) < 0;
-    });
-    const std::vector<std::string> expected = {"a", "B", "file", "file1", "file2", "file10", "File11", "file20"};
-    EXPECT_EQ(names, expected);
-}
-
 TEST(NaturalCompare, LongDigitRuns)
 {
     const std::string ones(1000000, '1');
     EXPECT_EQ(gparse_alpha_numeric_strcasecmp((ones + "2a").c_str(), (ones + "3b").c_str()), -1);
-    EXPECT_EQ(gparse_alpha_numeric_strcasecmp((ones + "a").c_str(), (ones + "a").c_str()), 0);
     EXPECT_EQ(gparse_alpha_numeric_strcasecmp((ones + "a").c_str(), ("0" + ones + "a").c_str()), -1);
 }
 
@@ -67,11 +52,8 @@ TEST(NaturalCompareDigitRun, ReadsTheRun)
         int end;
     };
     const Case cases[] = {
-        {"abc123def", 3, 9, 123, 6}, {"12345", 1, 3, 23, 3}, {"abc", 1, 3, 0, 1},
-        {"123", 2, 2, 0, 2}, {"123", 3, 1, 0, 3}, {"12", 0, 100, 12, 2}, {"007x", 0, 4, 7, 3},
-        {"-5", 0, 2, 0, 0}, {"\xb2" "1", 0, 2, 0, 0}, {"42", -3, 2, 42, 2},
-        {"2147483647", 0, 10, INT_MAX, 10}, {"2147483648", 0, 10, INT_MAX, 10},
-        {"21474836470", 0, 11, INT_MAX, 11},
+        {"abc123def", 3, 9, 123, 6}, {"12345", 1, 3, 23, 3}, {"abc", 1, 3, 0, 1}, {"123", 3, 1, 0, 3},
+        {"12", 0, 100, 12, 2}, {"\xb2" "1", 0, 2, 0, 0}, {"42", -3, 2, 42, 2}, {"2147483648", 0, 10, INT_MAX, 10},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(testing::Message() << c.text << " " << c.from << ".." << c.to);
@@ -79,11 +61,8 @@ TEST(NaturalCompareDigitRun, ReadsTheRun)
         EXPECT_EQ(gparse_parse_numeric_and_postnumeric_part(c.text, c.from, c.to, &value), c.text + c.end);
         EXPECT_EQ(value, c.value);
     }
-    const std::string nines(100000, '9');
     const std::string zeros = std::string(100000, '0') + "42";
     int value = -1;
-    EXPECT_EQ(gparse_parse_numeric_and_postnumeric_part(nines.c_str(), 0, INT_MAX, &value), nines.c_str() + nines.size());
-    EXPECT_EQ(value, INT_MAX);
     EXPECT_EQ(gparse_parse_numeric_and_postnumeric_part(zeros.c_str(), 0, INT_MAX, &value), zeros.c_str() + zeros.size());
     EXPECT_EQ(value, 42);
     EXPECT_EQ(gparse_parse_numeric_and_postnumeric_part(nullptr, 0, 5, &value), nullptr);
@@ -100,11 +79,9 @@ TEST(NaturalCompareDigitRun, AllDigits)
         int expected;
     };
     const Case cases[] = {
-        {"12a45", 0, 2, 1}, {"12a45", 0, 3, 0}, {"12a45", 3, 5, 1}, {"12a45", 2, 3, 0},
-        {"12a45", 2, 2, 1}, {"12a45", 4, 1, 1},  // empty ranges
-        {"12", 0, 5, 0},                         // the NUL is no digit; nothing read past it
-        {" 1", 0, 2, 0}, {"+1", 0, 2, 0}, {"1\xb2", 0, 2, 0}, {"12", -3, 2, 1},
-        {nullptr, 0, 0, 1}, {nullptr, 0, 1, 0},
+        {"12a45", 0, 2, 1}, {"12a45", 0, 3, 0}, {"12a45", 4, 1, 1}, // empty range
+        {"12", 0, 5, 0},                      // the NUL is no digit; nothing read past it
+        {"+1", 0, 2, 0}, {"1\xb2", 0, 2, 0}, {"12", -3, 2, 1}, {nullptr, 0, 0, 1}, {nullptr, 0, 1, 0},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(testing::Message() << (c.text ? c.text : "(null)") << " " << c.from << ".." << c.to);

