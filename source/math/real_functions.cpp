@@ -63,37 +63,37 @@ double square(double x)
 
 float sno_acos(float x)
 {
-    return std::fabs(x) <= 1 ? single_result(std::acos(x)) : single_domain_error();
+    return std::fabs(x) <= 1 ? single_result(std::acos(static_cast<double>(x))) : single_domain_error();
 }
 
 float sno_asin(float x)
 {
-    return std::fabs(x) <= 1 ? single_result(std::asin(x)) : single_domain_error();
+    return std::fabs(x) <= 1 ? single_result(std::asin(static_cast<double>(x))) : single_domain_error();
 }
 
 float sno_acosh(float x)
 {
-    return x >= 1 ? single_result(std::acosh(x)) : single_domain_error();
+    return x >= 1 ? single_result(std::acosh(static_cast<double>(x))) : single_domain_error();
 }
 
 float sno_atanh(float x)
 {
-    return std::fabs(x) < 1 ? single_result(std::atanh(x)) : single_domain_error();
+    return std::fabs(x) < 1 ? single_result(std::atanh(static_cast<double>(x))) : single_domain_error();
 }
 
 float sno_log(float x)
 {
-    return x > 0 ? single_result(std::log(x)) : single_domain_error();
+    return x > 0 ? single_result(std::log(static_cast<double>(x))) : single_domain_error();
 }
 
 float sno_log10(float x)
 {
-    return x > 0 ? single_result(std::log10(x)) : single_domain_error();
+    return x > 0 ? single_result(std::log10(static_cast<double>(x))) : single_domain_error();
 }
 
 float sno_sqrt(float x)
 {
-    return x >= 0 ? single_result(std::sqrt(x)) : single_domain_error();
+    return x >= 0 ? single_result(std::sqrt(static_cast<double>(x))) : single_domain_error();
 }
 
 float sno_atan2(float y, float x)
