@@ -18,6 +18,7 @@
 #include "tql_os.h"
 #include "zq_arrays.h"
 #include "gtime.h"
+#include "gmath.h"
 #include "platform.h"
 #include "base64.h"
 

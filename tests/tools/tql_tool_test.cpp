@@ -193,3 +193,27 @@ TEST(TqlTool, TreeWalkFailureNamesTheEntryAndTheReason)
 }
 
 } // namespace
+
+TEST(TqlTool, MathEvaluatesOneFunctionWithTheErrorState)
+{
+    struct Case {
+        const char* arguments;
+        int status;
+        const char* out;
+    } cases[] = {
+        {"math cdnolog 0 0", 0, "0 0\nematherr 1\n"},
+        {"math gmath_cdnopwr 0 0 0 0", 0, "0 0\nematherr 0\n"},
+        {"math magxy 3e38 3e38", 0, "9.99999968e+37\nematherr 0\n"},
+        {"math eeround -2.5", 0, "-3\nematherr 0\n"},
+        {"math snolog -1", 0, "0\nematherr 1\n"},
+        {"math snolog", 2, "tql: snolog takes 1 argument\n"},
+        {"math snolog x", 2, "tql: 'x' is not a number\n"},
+        {"math nosuch 1", 2, "tql: unknown math function 'nosuch'\n"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.arguments);
+        const ToolRun run = tql(c.arguments, true);
+        EXPECT_EQ(run.status, c.status);
+        EXPECT_EQ(run.out.compare(0, std::string(c.out).size(), c.out), 0) << run.out;
+    }
+}

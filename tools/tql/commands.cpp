@@ -350,6 +350,10 @@ const std::vector<Command>& commands()
         {"rm", "tql rm PATH [-r]", "remove a file, a wildcard set or, with -r, a directory tree", run_rm},
         {"du", "tql du DIR", "kilobytes used below a directory", run_du},
         {"df", "tql df DIR", "free kilobytes of the volume holding a directory", run_df},
+        {"math", "tql math FUNCTION ARGS...",
+         "evaluate one gmath_ function (cdnolog 0 0, snopwr 2 0.5, eeround 2.5): its result\n"
+         "                       and the math error after it",
+         run_math},
         {"path", "tql path native|canon PATH",
          "print the Linux form of a library-form path, or its absolute canonical form",
          run_path},
