@@ -1,0 +1,232 @@
+// Memory controls: the plain table, the block pool's layout, first-fit
+// order, merging, reallocation, and refusal of bad pointers.
+#include <tql70/gmem.h>
+#include <tql70/memcntl.h>
+
+#include "support/child_process.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <cstring>
+
+#if defined(__SANITIZE_ADDRESS__)
+#define POOL_TEST_ASAN 1
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define POOL_TEST_ASAN 1
+#endif
+#endif
+#ifdef POOL_TEST_ASAN
+#define UNCHECKED __attribute__((no_sanitize_address))
+#else
+#define UNCHECKED
+#endif
+
+namespace {
+
+struct Header {
+    uint16_t next, prev, self, state;
+};
+constexpr uint16_t kFree = 0xFCC6;
+constexpr uint16_t kInUse = 0x357F;
+
+// Pool headers are poisoned under AddressSanitizer: read them unchecked.
+UNCHECKED Header header_at(const void* chunk, unsigned index)
+{
+    const auto* unit = static_cast<const uint16_t*>(chunk) + 4 * index;
+    return Header{unit[0], unit[1], unit[2], unit[3]};
+}
+
+UNCHECKED uint16_t chunk_end(const void* chunk)
+{
+    return static_cast<const uint16_t*>(chunk)[2];
+}
+
+UNCHECKED void set_self(void* chunk, unsigned index, uint16_t self)
+{
+    static_cast<uint16_t*>(chunk)[4 * index + 2] = self;
+}
+
+void* data_of(void* chunk, unsigned index)
+{
+    return static_cast<char*>(chunk) + 8 * (index + 1);
+}
+
+// Each test gets a fresh pool; its chunks stay with the pool's registry.
+MemCntl fresh_pool()
+{
+    MemCntl cntl{nullptr, reinterpret_cast<void*>(1)};
+    EXPECT_EQ(initialize_MemCntl(&cntl, &poolMem), 1);
+    EXPECT_EQ(cntl.state, nullptr);
+    return cntl;
+}
+
+TEST(MemCntl, TablesAndNullControls)
+{
+    MemCntl plain{nullptr, reinterpret_cast<void*>(1)};
+    MemCntl none{nullptr, nullptr};
+    ASSERT_EQ(initialize_MemCntl(&plain, &tarvexMem), 1);
+    EXPECT_EQ(plain.state, nullptr);
+    void* block = alloc_Mem(&plain, 3, 4);
+    ASSERT_NE(block, nullptr);
+    block = realloc_Mem(&plain, block, 100, 2);
+    ASSERT_NE(block, nullptr);
+    const struct {
+        const char* call;
+        long long result;
+        long long expected;
+    } cases[] = {
+        {"plain free", free_Mem(&plain, block), 1},
+        {"plain free null", free_Mem(&plain, nullptr), 0},
+        {"plain check", check_Mem(&plain), 1},
+        {"plain set", set_MemCntl(&plain), 0},
+        {"plain alloc 0 bytes", alloc_Mem(&plain, 0, 8) != nullptr, 0},
+        {"init null table", initialize_MemCntl(&none, nullptr), 0},
+        {"init null control", initialize_MemCntl(nullptr, &poolMem), 0},
+        {"no table alloc", alloc_Mem(&none, 1, 1) != nullptr, 0},
+        {"no table free", free_Mem(&none, block), 0},
+        {"no table check", check_Mem(&none), 0},
+        {"no table dump", dump_Mem(&none), 0},
+        {"null control check", check_Mem(nullptr), 0},
+        {"null control realloc", realloc_Mem(nullptr, block, 1, 1) != nullptr, 0},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.call);
+        EXPECT_EQ(c.result, c.expected);
+    }
+    plain.state = reinterpret_cast<void*>(8); // dump never looks at it
+    EXPECT_EQ(dump_Mem(&plain), 1);
+}
+
+TEST(MemCntl, PoolLayoutSplitAndMerge)
+{
+    MemCntl pool = fresh_pool();
+    void* one = alloc_Mem(&pool, 1, 1);
+    void* chunk = pool.state;
+    ASSERT_NE(chunk, nullptr);
+    EXPECT_EQ(one, data_of(chunk, 1));
+    EXPECT_EQ(chunk_end(chunk), 512);
+    const Header first = header_at(chunk, 1);
+    const Header rest = header_at(chunk, 3);
+    EXPECT_TRUE(first.next == 3 && first.prev == 0 && first.self == 1 && first.state == kInUse);
+    EXPECT_TRUE(rest.next == 512 && rest.prev == 1 && rest.self == 3 && rest.state == kFree);
+
+    void* b = alloc_Mem(&pool, 2, 8); // index 3, 2 units
+    void* c = alloc_Mem(&pool, 1, 8); // index 6
+    EXPECT_EQ(b, data_of(chunk, 3));
+    EXPECT_EQ(c, data_of(chunk, 6));
+    EXPECT_EQ(free_Mem(&pool, b), 1);
+    EXPECT_EQ(free_Mem(&pool, b), 0); // a second release is refused
+    EXPECT_EQ(free_Mem(&pool, one), 1);
+    EXPECT_EQ(free_Mem(&pool, c), 1);
+    const Header merged = header_at(chunk, 1);
+    EXPECT_TRUE(merged.next == 512 && merged.state == kFree);
+    EXPECT_EQ(check_Mem(&pool), 1);
+    EXPECT_EQ(dump_Mem(&pool), 1);
+
+    void* big = alloc_Mem(&pool, 5000, 1); // a chunk of its own
+    EXPECT_NE(pool.state, chunk);
+    EXPECT_EQ(big, data_of(pool.state, 1));
+    EXPECT_EQ(chunk_end(pool.state), 627);
+    EXPECT_EQ(alloc_Mem(&pool, 0, 1), nullptr);
+    EXPECT_EQ(alloc_Mem(&pool, 65534, 8), nullptr);
+}
+
+TEST(MemCntl, FirstFitTakesTheNewestChunkThatFits)
+{
+    MemCntl pool = fresh_pool();
+    char* a = static_cast<char*>(alloc_Mem(&pool, 4000, 1)); // leaves 9 units in A
+    void* chunk_a = pool.state;
+    alloc_Mem(&pool, 4056, 1); // B: 507 units, leaves 2
+    void* chunk_b = pool.state;
+    ASSERT_NE(chunk_a, chunk_b);
+    EXPECT_EQ(alloc_Mem(&pool, 24, 1), data_of(chunk_a, 502)); // B too small
+    EXPECT_EQ(alloc_Mem(&pool, 16, 1), data_of(chunk_b, 509)); // both fit: B
+    EXPECT_EQ(alloc_Mem(&pool, 40, 1), data_of(chunk_a, 506));
+    EXPECT_EQ(free_Mem(&pool, a), 1);
+    EXPECT_EQ(alloc_Mem(&pool, 8, 1), data_of(chunk_a, 1)); // the freed room in A
+    EXPECT_EQ(check_Mem(&pool), 1);
+}
+
+TEST(MemCntl, ReallocShrinksInPlaceAndMovesToGrow)
+{
+    MemCntl pool = fresh_pool();
+    char* p = static_cast<char*>(alloc_Mem(&pool, 10, 8));
+    void* chunk = pool.state;
+    std::memset(p, 'x', 40);
+    EXPECT_EQ(realloc_Mem(&pool, p, 5, 8), p); // merges into the free rest
+    EXPECT_EQ(header_at(chunk, 1).next, 7);
+    EXPECT_EQ(header_at(chunk, 7).state, kFree);
+    void* q = alloc_Mem(&pool, 1, 8); // index 7
+    EXPECT_EQ(realloc_Mem(&pool, p, 3, 8), p); // split without a free neighbour
+    EXPECT_EQ(header_at(chunk, 5).state, kFree);
+    EXPECT_EQ(alloc_Mem(&pool, 1, 8), data_of(chunk, 5)); // fills the split-off block
+    EXPECT_EQ(realloc_Mem(&pool, p, 2, 8), p); // 3 units to 2: no room for a split
+    EXPECT_EQ(header_at(chunk, 1).next, 5);
+    char* grown = static_cast<char*>(realloc_Mem(&pool, p, 30, 8));
+    ASSERT_NE(grown, nullptr);
+    EXPECT_NE(grown, p);
+    EXPECT_EQ(std::memcmp(grown, "xxxxxxxxxxxxxxxxxxxxxxxx", 24), 0);
+    EXPECT_EQ(header_at(chunk, 1).state, kFree);
+    EXPECT_EQ(realloc_Mem(&pool, p, 2, 8), nullptr); // released by the move
+    EXPECT_EQ(realloc_Mem(&pool, q, 0, 8), nullptr);
+    EXPECT_EQ(check_Mem(&pool), 1);
+}
+
+TEST(MemCntl, BadPointersAndDamageAreRefused)
+{
+    MemCntl pool = fresh_pool();
+    void* a = alloc_Mem(&pool, 1, 8);
+    void* b = alloc_Mem(&pool, 1, 8);
+    char* c = static_cast<char*>(alloc_Mem(&pool, 4, 8));
+    std::memset(c, 0, 32);
+    void* chunk = pool.state;
+    void* heap = gmem_ee_malloc(64, 1);
+    alignas(8) uint64_t stack[4] = {0, 0, 0, 0};
+    const struct {
+        const char* what;
+        void* pointer;
+    } foreign[] = {
+        {"malloc block", heap},
+        {"stack", &stack[1]},
+        {"misaligned", static_cast<char*>(a) + 1},
+        {"inside a block", c + 16},
+    };
+    for (const auto& f : foreign) {
+        SCOPED_TRACE(f.what);
+        EXPECT_EQ(free_Mem(&pool, f.pointer), 0);
+        EXPECT_EQ(realloc_Mem(&pool, f.pointer, 2, 8), nullptr);
+    }
+    gmem_ee_free(heap);
+    EXPECT_EQ(check_Mem(&pool), 1);
+    set_self(chunk, 3, 9); // damage b's header
+    EXPECT_EQ(check_Mem(&pool), 0);
+    EXPECT_EQ(dump_Mem(&pool), 0);
+    EXPECT_EQ(free_Mem(&pool, a), 0); // its neighbour is damaged
+    EXPECT_EQ(header_at(chunk, 1).state, kInUse);
+    set_self(chunk, 3, 3);
+    EXPECT_EQ(free_Mem(&pool, b), 1);
+    EXPECT_EQ(free_Mem(&pool, a), 1);
+}
+
+TEST(MemCntl, WritingPastABlockIsCaughtUnderAddressSanitizer)
+{
+#ifndef POOL_TEST_ASAN
+    GTEST_SKIP() << "needs an AddressSanitizer build";
+#else
+    const auto child = tql_test::run_in_child([] {
+        MemCntl pool{nullptr, nullptr};
+        initialize_MemCntl(&pool, &poolMem);
+        char* first = static_cast<char*>(alloc_Mem(&pool, 12, 1));
+        alloc_Mem(&pool, 12, 1);
+        std::memset(first, 1, 12);
+        volatile char* past = first + 12;
+        *past = 1;
+    });
+    EXPECT_FALSE(child.exited && child.exit_status == 0);
+    EXPECT_NE(child.err.find("AddressSanitizer"), std::string::npos) << child.err;
+#endif
+}
+
+} // namespace
