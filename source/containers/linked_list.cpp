@@ -78,6 +78,12 @@ void append_chain(list_t* dst, list_node* first)
     last_from(dst->cursor ? dst->cursor : dst->head)->next = first;
 }
 
+// The item bytes follow the link word.
+void* item_of(list_node* node)
+{
+    return node + 1;
+}
+
 // Merges two sorted chains; a right node goes first only when it compares
 // strictly below the left one, which keeps equal items in order.
 list_node* merge(list_node* left, list_node* right, list_compare_fn compare)
@@ -85,7 +91,7 @@ list_node* merge(list_node* left, list_node* right, list_compare_fn compare)
     list_node start{nullptr};
     list_node* tail = &start;
     while (left && right) {
-        if (compare(list_link_item(left), list_link_item(right)) > 0) {
+        if (compare(item_of(left), item_of(right)) > 0) {
             tail->next = right;
             right = right->next;
         } else {
@@ -211,7 +217,7 @@ void* list_item(list_t* list)
 
 void* list_link_item(list_node* node)
 {
-    return node ? static_cast<void*>(node + 1) : nullptr;
+    return node ? item_of(node) : nullptr;
 }
 
 unsigned int list_len(list_t* list)
