@@ -9,11 +9,11 @@
 // indexes are the same as in a chunk whose link sat in unit 0.
 //
 // Finding the first fit fast: each chunk remembers an index below which it
-// has no free block, and the control keeps, per chunk, an upper bound of its
-// largest free span in a max-tree ordered by chunk age. A search asks the
-// tree for the newest chunk that may fit, scans it from its hint, and on a
-// miss lowers that chunk's bound to the exact value it saw. The block chosen
-// is always the one a plain walk of the chain would choose.
+// has no free block, and the control keeps every chunk's largest free span
+// in a max-tree ordered by chunk age. A search asks the tree for the newest
+// chunk that fits and scans it from its hint; the scan runs on to the
+// chunk's end so that the chunk's largest span stays exact. The block
+// chosen is always the one a plain walk of the chain would choose.
 //
 // Under AddressSanitizer everything but the bytes a caller asked for is
 // poisoned (headers, gaps and free blocks), so writing past a block is
@@ -82,8 +82,8 @@ struct ChunkPrefix {
 constexpr size_t kPrefix = sizeof(ChunkPrefix);
 static_assert(kPrefix == 32, "hidden chunk prefix");
 
-// Per control: for every chunk an upper bound of its largest free span
-// (next - index of a free block; 0 when none), in a max-tree.
+// Per control: for every chunk its largest free span (next - index of a
+// free block; 0 when none), in a max-tree.
 struct ChunkIndex {
     std::vector<unsigned char*> chunks;
     std::vector<uint16_t> tree; // leaves at capacity + number
@@ -113,7 +113,7 @@ struct ChunkIndex {
         }
     }
 
-    void lower(size_t number, uint16_t bound)
+    void set(size_t number, uint16_t bound)
     {
         size_t i = capacity + number;
         tree[i] = bound;
@@ -230,13 +230,15 @@ POOL_INTERNAL void* take_block(unsigned char* chunk, unsigned index, unsigned u,
 }
 
 // The first free block of the chunk with more than u data units, from its
-// hint on; 0 when none, with `largest` set to the largest free span seen.
-POOL_INTERNAL unsigned first_fit(unsigned char* chunk, unsigned u, unsigned& largest)
+// hint on; 0 when none. `others` receives the largest span of the chunk's
+// other free blocks, so the chunk's bound can be made exact.
+POOL_INTERNAL unsigned first_fit(unsigned char* chunk, unsigned u, unsigned& others)
 {
     ChunkPrefix* p = prefix(chunk);
     const unsigned end = head(chunk)->end;
     bool hint_set = false;
-    largest = 0;
+    unsigned found = 0;
+    others = 0;
     for (unsigned i = p->first_free; i < end;) {
         const Header h = *header(chunk, i);
         if (h.next <= i) {
@@ -247,17 +249,33 @@ POOL_INTERNAL unsigned first_fit(unsigned char* chunk, unsigned u, unsigned& lar
                 p->first_free = static_cast<uint16_t>(i);
                 hint_set = true;
             }
-            if (h.next - i > u) {
-                return i;
+            if (!found && h.next - i > u) {
+                found = i;
+            } else {
+                others = std::max(others, unsigned(h.next - i));
             }
-            largest = std::max(largest, unsigned(h.next - i));
         }
         i = h.next;
     }
     if (!hint_set) {
         p->first_free = static_cast<uint16_t>(end);
     }
-    return 0;
+    return found;
+}
+
+// Takes the block at `index` and makes the chunk's bound exact again:
+// the larger of its other free blocks and what the split leaves.
+POOL_INTERNAL void* take_and_settle(unsigned char* chunk, unsigned index, unsigned u, size_t bytes, unsigned others)
+{
+    void* data = take_block(chunk, index, u, bytes);
+    const Header taken = *header(chunk, index);
+    const unsigned end = head(chunk)->end;
+    unsigned left = 0;
+    if (taken.next < end && header(chunk, taken.next)->state == kFree) {
+        left = header(chunk, taken.next)->next - taken.next;
+    }
+    prefix(chunk)->index->set(prefix(chunk)->number, static_cast<uint16_t>(std::max(others, left)));
+    return data;
 }
 
 POOL_INTERNAL unsigned char* new_chunk(void** state, unsigned units)
@@ -372,15 +390,15 @@ POOL_INTERNAL void* allocate(size_t count, size_t size, void** state)
         ChunkIndex* index = prefix(chain)->index;
         for (long number; (number = index->newest_reaching(static_cast<uint16_t>(u + 1))) >= 0;) {
             unsigned char* chunk = index->chunks[static_cast<size_t>(number)];
-            unsigned largest;
-            if (const unsigned found = first_fit(chunk, u, largest)) {
-                return take_block(chunk, found, u, bytes);
+            unsigned others;
+            if (const unsigned found = first_fit(chunk, u, others)) {
+                return take_and_settle(chunk, found, u, bytes, others);
             }
-            index->lower(static_cast<size_t>(number), static_cast<uint16_t>(largest));
+            index->set(static_cast<size_t>(number), static_cast<uint16_t>(others));
         }
     }
     unsigned char* chunk = new_chunk(state, kChunkUnits <= u + 1 ? u + 2 : kChunkUnits);
-    return chunk ? take_block(chunk, kFirstBlock, u, bytes) : nullptr;
+    return chunk ? take_and_settle(chunk, kFirstBlock, u, bytes, 0) : nullptr;
 }
 
 POOL_INTERNAL void* reallocate(void* data, size_t count, size_t size, void** state)

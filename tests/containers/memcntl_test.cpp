@@ -9,6 +9,8 @@
 
 #include <cstdint>
 #include <cstring>
+#include <random>
+#include <vector>
 
 #if defined(__SANITIZE_ADDRESS__)
 #define POOL_TEST_ASAN 1
@@ -208,6 +210,53 @@ TEST(MemCntl, BadPointersAndDamageAreRefused)
     set_self(chunk, 3, 3);
     EXPECT_EQ(free_Mem(&pool, b), 1);
     EXPECT_EQ(free_Mem(&pool, a), 1);
+}
+
+TEST(MemCntl, RandomUseKeepsDataAndStructure)
+{
+    MemCntl pool = fresh_pool();
+    struct Block {
+        unsigned char* data = nullptr;
+        size_t size = 0;
+        unsigned char fill = 0;
+    };
+    std::vector<Block> blocks(300);
+    std::mt19937 random(1);
+    const auto intact = [](const Block& b) {
+        for (size_t i = 0; i < b.size; ++i) {
+            if (b.data[i] != b.fill) {
+                return false;
+            }
+        }
+        return true;
+    };
+    for (int step = 0; step < 20000; ++step) {
+        Block& b = blocks[random() % blocks.size()];
+        const size_t size = random() % 5 == 0 ? 1 + random() % 6000 : 1 + random() % 200;
+        ASSERT_TRUE(intact(b)) << step;
+        if (b.data && random() % 2 == 0) {
+            b.data = static_cast<unsigned char*>(realloc_Mem(&pool, b.data, size, 1));
+            ASSERT_NE(b.data, nullptr);
+            b.size = std::min(b.size, size);
+            ASSERT_TRUE(intact(b)) << step; // the kept part survives a move
+        } else {
+            if (b.data) {
+                ASSERT_EQ(free_Mem(&pool, b.data), 1);
+            }
+            b.data = static_cast<unsigned char*>(alloc_Mem(&pool, size, 1));
+            ASSERT_NE(b.data, nullptr);
+        }
+        b.size = size;
+        b.fill = static_cast<unsigned char>(step);
+        std::memset(b.data, b.fill, size);
+        if (step % 1000 == 0) {
+            ASSERT_EQ(check_Mem(&pool), 1) << step;
+        }
+    }
+    for (Block& b : blocks) {
+        EXPECT_TRUE(!b.data || free_Mem(&pool, b.data) == 1);
+    }
+    EXPECT_EQ(check_Mem(&pool), 1);
 }
 
 TEST(MemCntl, WritingPastABlockIsCaughtUnderAddressSanitizer)
