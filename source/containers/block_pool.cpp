@@ -3,17 +3,17 @@
 // immediate merging of free neighbours and a structure check.
 //
 // Chunk memory: a hidden 32-byte prefix (link to the next chunk, the
-// control's chunk index, the chunk's number, a first-free hint), then unit 0
-// (a check word, the end index, the first block index) and the blocks. The
-// control's state word and every link point at unit 0, so unit and block
-// indexes are the same as in a chunk whose link sat in unit 0.
+// control's chunk index, the chunk's number, the head of its free list),
+// then unit 0 (a check word, the end index, the first block index) and the
+// blocks. The control's state word and every link point at unit 0, so unit
+// and block indexes are the same as in a chunk whose link sat in unit 0.
 //
-// Finding the first fit fast: each chunk remembers an index below which it
-// has no free block, and the control keeps every chunk's largest free span
-// in a max-tree ordered by chunk age. A search asks the tree for the newest
-// chunk that fits and scans it from its hint; the scan runs on to the
-// chunk's end so that the chunk's largest span stays exact. The block
-// chosen is always the one a plain walk of the chain would choose.
+// Finding the first fit fast: each chunk lists its free blocks in index
+// order, and the control keeps every chunk's largest free span in a
+// max-tree ordered by chunk age. A search asks the tree for the newest
+// chunk that fits and follows that chunk's free list; it runs on to the
+// list's end so that the chunk's largest span stays exact. The block chosen
+// is always the one a plain walk of the chain would choose.
 //
 // Under AddressSanitizer everything but the bytes a caller asked for is
 // poisoned (headers, gaps and free blocks), so writing past a block is
@@ -69,13 +69,21 @@ struct ChunkHead {
 };
 static_assert(sizeof(ChunkHead) == kUnit, "the chunk header is one unit");
 
+// The chunk's free blocks form a list in index order, linked through the
+// first data unit of each (every free block has at least one).
+struct FreeLinks {
+    uint16_t next_free; // 0 at the end
+    uint16_t prev_free; // 0 for the first
+    uint16_t unused[2];
+};
+
 struct ChunkIndex;
 
 struct ChunkPrefix {
     unsigned char* link; // unit 0 of the next chunk in the chain
     ChunkIndex* index;
     uint32_t number; // position in the index: older chunks have lower numbers
-    uint16_t first_free; // no free block lies below this index
+    uint16_t free_head; // the free block with the lowest index; 0 when none
     uint16_t unused;
     uint64_t padding; // keeps unit 0 on a 16-byte boundary
 };
@@ -187,16 +195,63 @@ unsigned units_for(size_t count, size_t size, size_t& bytes)
     return static_cast<unsigned>((bytes + kUnit - 1) / kUnit);
 }
 
-POOL_INTERNAL void lower_hint(unsigned char* chunk, unsigned index)
+POOL_INTERNAL FreeLinks* links(unsigned char* chunk, unsigned index)
 {
-    ChunkPrefix* p = prefix(chunk);
-    if (index < p->first_free) {
-        p->first_free = static_cast<uint16_t>(index);
+    return reinterpret_cast<FreeLinks*>(chunk + (index + 1) * kUnit);
+}
+
+// Points the neighbours of a free-list entry at `index` (or the list head).
+POOL_INTERNAL void relink(unsigned char* chunk, unsigned index, const FreeLinks& l)
+{
+    if (l.prev_free) {
+        links(chunk, l.prev_free)->next_free = static_cast<uint16_t>(index);
+    } else {
+        prefix(chunk)->free_head = static_cast<uint16_t>(index);
+    }
+    if (l.next_free) {
+        links(chunk, l.next_free)->prev_free = static_cast<uint16_t>(index);
     }
 }
 
+// The free block at `to` takes the list place of the one at `from`.
+POOL_INTERNAL void replace_free(unsigned char* chunk, unsigned from, unsigned to)
+{
+    const FreeLinks l = *links(chunk, from);
+    *links(chunk, to) = l;
+    relink(chunk, to, l);
+}
+
+POOL_INTERNAL void unlink_free(unsigned char* chunk, unsigned index)
+{
+    const FreeLinks l = *links(chunk, index);
+    if (l.prev_free) {
+        links(chunk, l.prev_free)->next_free = l.next_free;
+    } else {
+        prefix(chunk)->free_head = l.next_free;
+    }
+    if (l.next_free) {
+        links(chunk, l.next_free)->prev_free = l.prev_free;
+    }
+}
+
+// Enters the new free block at `index` after the nearest free block before
+// it, found by walking back over the blocks in use.
+POOL_INTERNAL void insert_free(unsigned char* chunk, unsigned index)
+{
+    unsigned before = header(chunk, index)->prev;
+    while (before >= kFirstBlock && header(chunk, before)->state != kFree) {
+        const unsigned earlier = header(chunk, before)->prev;
+        before = earlier < before ? earlier : 0;
+    }
+    const unsigned after = before ? links(chunk, before)->next_free : prefix(chunk)->free_head;
+    const FreeLinks l{static_cast<uint16_t>(after), static_cast<uint16_t>(before), {0, 0}};
+    *links(chunk, index) = l;
+    relink(chunk, index, l);
+}
+
 // Places a free header at `at` covering up to `next` (the old end of the
-// block being cut) and links the block after it back to it.
+// block being cut) and links the block after it back to it. The caller
+// enters it in the free list.
 POOL_INTERNAL void place_free(unsigned char* chunk, unsigned at, unsigned next, unsigned prev)
 {
     const unsigned end = head(chunk)->end;
@@ -204,7 +259,6 @@ POOL_INTERNAL void place_free(unsigned char* chunk, unsigned at, unsigned next, 
     if (next < end) {
         header(chunk, next)->prev = static_cast<uint16_t>(at);
     }
-    lower_hint(chunk, at);
     prefix(chunk)->index->raise(prefix(chunk)->number, static_cast<uint16_t>(next - at));
 }
 
@@ -217,12 +271,10 @@ POOL_INTERNAL void* take_block(unsigned char* chunk, unsigned index, unsigned u,
     if (u + 2 < next - index) {
         const unsigned at = index + u + 1;
         h->next = static_cast<uint16_t>(at);
-        if (prefix(chunk)->first_free == index) {
-            prefix(chunk)->first_free = static_cast<uint16_t>(at);
-        }
         place_free(chunk, at, next, index);
-    } else if (prefix(chunk)->first_free == index) {
-        prefix(chunk)->first_free = static_cast<uint16_t>(next);
+        replace_free(chunk, index, at);
+    } else {
+        unlink_free(chunk, index);
     }
     h->state = kInUse;
     unsigned char* data = data_of(chunk, index);
@@ -230,36 +282,26 @@ POOL_INTERNAL void* take_block(unsigned char* chunk, unsigned index, unsigned u,
     return data;
 }
 
-// The first free block of the chunk with more than u data units, from its
-// hint on; 0 when none. `others` receives the largest span of the chunk's
-// other free blocks, so the chunk's bound can be made exact.
+// The first free block of the chunk with more than u data units, following
+// its free list; 0 when none. `others` receives the largest span of the
+// chunk's other free blocks, so the chunk's bound can be made exact.
 POOL_INTERNAL unsigned first_fit(unsigned char* chunk, unsigned u, unsigned& others)
 {
-    ChunkPrefix* p = prefix(chunk);
     const unsigned end = head(chunk)->end;
-    bool hint_set = false;
     unsigned found = 0;
     others = 0;
-    for (unsigned i = p->first_free; i < end;) {
+    for (unsigned i = prefix(chunk)->free_head; i;) {
         const Header h = *header(chunk, i);
-        if (h.next <= i) {
+        const unsigned next_free = links(chunk, i)->next_free;
+        if (h.next <= i || h.next > end || h.state != kFree) {
             break; // damaged; check_Mem reports it
         }
-        if (h.state == kFree) {
-            if (!hint_set) {
-                p->first_free = static_cast<uint16_t>(i);
-                hint_set = true;
-            }
-            if (!found && h.next - i > u) {
-                found = i;
-            } else {
-                others = std::max(others, unsigned(h.next - i));
-            }
+        if (!found && h.next - i > u) {
+            found = i;
+        } else {
+            others = std::max(others, unsigned(h.next - i));
         }
-        i = h.next;
-    }
-    if (!hint_set) {
-        p->first_free = static_cast<uint16_t>(end);
+        i = next_free > i ? next_free : 0;
     }
     return found;
 }
@@ -291,6 +333,7 @@ POOL_INTERNAL unsigned char* new_chunk(void** state, unsigned units)
     *prefix(chunk) = ChunkPrefix{old_head, index, static_cast<uint32_t>(index->chunks.size()), kFirstBlock, 0, 0};
     *head(chunk) = ChunkHead{chunk_check(chunk), static_cast<uint16_t>(units), kFirstBlock};
     *header(chunk, kFirstBlock) = Header{static_cast<uint16_t>(units), 0, kFirstBlock, kFree};
+    *links(chunk, kFirstBlock) = FreeLinks{0, 0, {0, 0}};
     ASAN_POISON_MEMORY_REGION(base, kPrefix + units * kUnit);
     index->add(chunk, static_cast<uint16_t>(units - kFirstBlock));
     *state = chunk;
@@ -359,22 +402,29 @@ POOL_INTERNAL int release(void* data)
     unsigned index = h->self;
     ASAN_POISON_MEMORY_REGION(data, (h->next - index - 1) * kUnit);
     h->state = kFree;
-    if (h->next < end && header(chunk, h->next)->state == kFree) {
-        const Header after = *header(chunk, h->next);
+    const unsigned free_after = h->next < end && header(chunk, h->next)->state == kFree ? h->next : 0;
+    const unsigned free_before = h->prev >= kFirstBlock && header(chunk, h->prev)->state == kFree ? h->prev : 0;
+    if (free_after) {
+        const Header after = *header(chunk, free_after);
         h->next = after.next;
         if (after.next < end) {
             header(chunk, after.next)->prev = static_cast<uint16_t>(index);
         }
     }
-    if (h->prev >= kFirstBlock && header(chunk, h->prev)->state == kFree) {
-        Header* before = header(chunk, h->prev);
-        before->next = h->next;
+    if (free_before) {
+        header(chunk, free_before)->next = h->next;
         if (h->next < end) {
-            header(chunk, h->next)->prev = static_cast<uint16_t>(h->prev);
+            header(chunk, h->next)->prev = static_cast<uint16_t>(free_before);
         }
-        index = h->prev;
+        index = free_before;
     }
-    lower_hint(chunk, index);
+    if (free_before && free_after) {
+        unlink_free(chunk, free_after);
+    } else if (free_after) {
+        replace_free(chunk, free_after, index);
+    } else if (!free_before) {
+        insert_free(chunk, index);
+    }
     prefix(chunk)->index->raise(prefix(chunk)->number, static_cast<uint16_t>(header(chunk, index)->next - index));
     return 1;
 }
@@ -421,13 +471,16 @@ POOL_INTERNAL void* reallocate(void* data, size_t count, size_t size, void** sta
         if (u < units) {
             const unsigned at = self + 1 + u;
             if (h->next < end && header(chunk, h->next)->state == kFree) {
-                const Header after = *header(chunk, h->next);
+                const unsigned neighbour = h->next;
+                const Header after = *header(chunk, neighbour);
                 h->next = static_cast<uint16_t>(at);
                 place_free(chunk, at, after.next, self);
+                replace_free(chunk, neighbour, at);
             } else if (u + 1 < units) {
                 const unsigned next = h->next;
                 h->next = static_cast<uint16_t>(at);
                 place_free(chunk, at, next, self);
+                insert_free(chunk, at);
             }
         }
         return data;

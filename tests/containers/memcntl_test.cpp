@@ -55,6 +55,22 @@ void* data_of(void* chunk, unsigned index)
     return static_cast<char*>(chunk) + 8 * (index + 1);
 }
 
+// The block a plain first-fit walk of the chain chooses for u units (the
+// link to the next chunk sits in the hidden word 32 bytes before unit 0);
+// null when a new chunk is needed.
+UNCHECKED void* plain_first_fit(void* chunk, unsigned u)
+{
+    for (; chunk; chunk = *reinterpret_cast<void**>(static_cast<char*>(chunk) - 32)) {
+        for (unsigned i = 1; i < chunk_end(chunk); i = header_at(chunk, i).next) {
+            const Header h = header_at(chunk, i);
+            if (h.state == kFree && h.next - i > u) {
+                return data_of(chunk, i);
+            }
+        }
+    }
+    return nullptr;
+}
+
 // Each test gets a fresh pool; its chunks stay with the pool's registry.
 MemCntl fresh_pool()
 {
@@ -243,8 +259,11 @@ TEST(MemCntl, RandomUseKeepsDataAndStructure)
             if (b.data) {
                 ASSERT_EQ(free_Mem(&pool, b.data), 1);
             }
+            const unsigned units = static_cast<unsigned>((size + 7) / 8);
+            void* expected = units < 511 ? plain_first_fit(pool.state, units) : nullptr;
             b.data = static_cast<unsigned char*>(alloc_Mem(&pool, size, 1));
             ASSERT_NE(b.data, nullptr);
+            ASSERT_TRUE(!expected || b.data == expected) << step << " " << units << " " << expected << " " << static_cast<void*>(b.data);
         }
         b.size = size;
         b.fill = static_cast<unsigned char>(step);
