@@ -108,9 +108,8 @@ TQL70_API unsigned int list_sort(list_t* list, list_compare_fn compare);
  * recycled ones; head = cursor = the first node. Nodes are spaced by
  * item_size plus one word, rounded up to a multiple of the word size so
  * that every link word is aligned. Item bytes are not initialised. Blocks
- * are never released. 1; 0 when n is 0, item_size is 0 or the block cannot
- * be allocated (the recycled nodes then go back to the free list and out
- * stays empty). */
+ * are never released. 1; 0 when n is 0 or the block cannot be allocated
+ * (the recycled nodes then go back to the free list and out stays empty). */
 TQL70_API unsigned int list_alloc(unsigned int n, unsigned int item_size, list_t* out, list_t* freelist);
 /* Hands every node of the list to the free list (inserted before its
  * cursor); the list becomes empty. Does nothing when either is null. */

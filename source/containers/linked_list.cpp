@@ -386,7 +386,7 @@ unsigned int list_sort(list_t* list, list_compare_fn compare)
 
 unsigned int list_alloc(unsigned int n, unsigned int item_size, list_t* out, list_t* freelist)
 {
-    if (!out || !freelist || n == 0 || item_size == 0) {
+    if (!out || !freelist || n == 0) {
         return 0;
     }
     out->head = out->cursor = nullptr;
