@@ -13,6 +13,8 @@
 #include "string_search.h"
 #include "gparse.h"
 #include "avltree.h"
+#include "list.h"
+#include "memcntl.h"
 #include "zq_paths.h"
 #include "gfile.h"
 #include "tql_os.h"

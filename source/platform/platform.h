@@ -5,6 +5,7 @@
 #define TQL70_SOURCE_PLATFORM_PLATFORM_H
 
 #include <cstdio>
+#include <ctime>
 #include <sys/stat.h>
 #include <string>
 #include <vector>
@@ -184,6 +185,20 @@ private:
     std::vector<Level> levels_;
     size_t first_open_ = 0; // levels from here down hold open descriptors
 };
+
+// ---- clocks, waits and the user -----------------------------------------
+
+// Seconds of the monotonic clock (CLOCK_MONOTONIC), which a change of the
+// wall clock does not move, cut to whole milliseconds.
+double monotonic_seconds();
+// The local calendar time now (localtime_r of time()).
+struct tm local_time_now();
+// Suspends the calling thread for `seconds`, resuming after each signal
+// until the whole time has passed (nanosleep).
+void sleep_seconds(unsigned int seconds);
+// The login name (getlogin_r), else the account name of the effective user
+// id (getpwuid_r); "" when neither is known.
+std::string login_name();
 
 // ---- settings store (stands in for the registry) -----------------------
 

@@ -74,6 +74,20 @@ int main(void)
     tql_qsort(values, 5, sizeof values[0], compare_ints);
     check(values[0] == 1 && values[4] == 5, "tql_qsort");
 
+    {
+        list_t freelist = {NULL, NULL};
+        list_t nodes = {NULL, NULL};
+        MemCntl pool = {NULL, NULL};
+        void* data;
+        check(list_alloc(3, sizeof(int), &nodes, &freelist) == 1 && list_len(&nodes) == 3, "list_alloc");
+        list_free(&nodes, &freelist);
+        check(list_len(&freelist) == 3 && nodes.head == NULL, "list_free");
+        check(initialize_MemCntl(&pool, &poolMem) == 1, "initialize_MemCntl");
+        data = alloc_Mem(&pool, 3, 8);
+        check(data != NULL && check_Mem(&pool) == 1 && free_Mem(&pool, data) == 1, "the block pool");
+        check(gtime_clock() == 0, "gtime_clock");
+    }
+
     block = (char*)gmem_ee_calloc(4, 2);
     check(block != NULL && block[7] == 0, "gmem_ee_calloc");
     gmem_ee_free(block);
