@@ -2,7 +2,7 @@
 // number rule. The input's first bytes choose the separators, marks and end
 // character; the rest is the line. Every field must lie inside the line,
 // every family must cut the same fields, and the number rule must agree
-// with the fields' typing.
+// with the fields' typing, values included.
 #include <tql70/gparse.h>
 
 #include <cstdint>
@@ -56,6 +56,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
         double value = 0;
         const unsigned int is_num = gparse_astodbl(text.data(), &value);
         check(is_num == static_cast<unsigned int>(f.is_num));
+        check(!is_num || std::memcmp(&value, &f.dval, sizeof value) == 0);
         int integer = 0;
         check(gparse_astoint(text.data(), &integer) == static_cast<unsigned int>(f.is_int));
         check(!f.is_int || integer == f.ival);

@@ -205,7 +205,8 @@ TQL70_API void gfile_stripdrv(const char* name, char* out);
 TQL70_API void gfile_fildrv(char* name, int replace, const char* prefix);
 
 /* Removes one trailing '\' (a last '/' of a longer string is converted
- * first); "C:\" is kept whole. Returns 1. */
+ * first); a drive root such as "C:\" (an ASCII letter, ':', '\') is kept
+ * whole. Returns 1. */
 TQL70_API int gfile_strip_dir_name(char* dir);
 
 /* Converts a last '/' to '\' and appends '\' unless already there; "" stays

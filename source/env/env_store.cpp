@@ -22,9 +22,9 @@ void normalize_name(const char* name, char out[GUI_ENV_NAME_MAX + 1])
 
 namespace {
 
-GuiEnvEntry* find_in_level(GuiEnvLevel& level, const char* normalized, bool include_deleted)
+GuiEnvEntry* find_in_level(GuiEnvLevel& level, const char* normalized, uint32_t hash, bool include_deleted)
 {
-    const int slot = level.index.find(level.entries, normalized);
+    const int slot = level.index.find(level.entries, normalized, hash);
     if (slot < 0) {
         return nullptr;
     }
@@ -44,7 +44,7 @@ GuiEnvLevel& target_level(GuiEnv env, int level)
 // every slot is in use; null when memory is short.
 GuiEnvEntry* take_slot(GuiEnvLevel& level)
 {
-    if (!level.index.reserve(level.entries, level.count + 1)) {
+    if (!level.index.reserve(level.count + 1)) {
         return nullptr;
     }
     if (level.capacity > level.count) {
@@ -73,11 +73,13 @@ GuiEnvEntry* take_slot(GuiEnvLevel& level)
 
 GuiEnvEntry* find_entry(GuiEnv env, const char* normalized, int level, bool include_deleted)
 {
+    const uint32_t hash = NameIndex::hash(normalized);
     if (level >= GUI_ENV_LOCAL && level <= GUI_ENV_SITE) {
-        return find_in_level(env->levels[storage_index(level)], normalized, include_deleted);
+        return find_in_level(env->levels[storage_index(level)], normalized, hash, include_deleted);
     }
     for (int searched = GUI_ENV_LOCAL; searched <= GUI_ENV_SITE; ++searched) {
-        if (GuiEnvEntry* entry = find_in_level(env->levels[storage_index(searched)], normalized, include_deleted)) {
+        GuiEnvLevel& searched_level = env->levels[storage_index(searched)];
+        if (GuiEnvEntry* entry = find_in_level(searched_level, normalized, hash, include_deleted)) {
             return entry;
         }
     }

@@ -10,41 +10,53 @@ namespace tql::env {
 
 uint32_t NameIndex::hash(const char* name)
 {
-    uint32_t h = 2166136261u; // FNV-1a
-    for (; *name; ++name) {
-        h = (h ^ static_cast<unsigned char>(*name)) * 16777619u;
+    // Eight bytes at a time, each word mixed in with a multiply.
+    constexpr uint64_t kMultiplier = 0x9e3779b97f4a7c15u;
+    size_t length = std::strlen(name);
+    uint64_t h = length * kMultiplier;
+    for (; length >= 8; length -= 8, name += 8) {
+        uint64_t word;
+        std::memcpy(&word, name, 8);
+        h = (h ^ word) * kMultiplier;
+        h ^= h >> 29;
     }
-    return h;
+    if (length > 0) {
+        uint64_t word = 0;
+        std::memcpy(&word, name, length);
+        h = (h ^ word) * kMultiplier;
+        h ^= h >> 29;
+    }
+    return static_cast<uint32_t>(h ^ (h >> 32));
 }
 
-int NameIndex::find(const GuiEnvEntry* entries, const char* name) const
+int NameIndex::find(const GuiEnvEntry* entries, const char* name, uint32_t name_hash) const
 {
     if (buckets_.empty()) {
         return -1;
     }
     const size_t mask = buckets_.size() - 1;
-    for (size_t i = hash(name) & mask;; i = (i + 1) & mask) {
-        const int32_t slot = buckets_[i];
-        if (slot < 0) {
+    for (size_t i = name_hash & mask;; i = (i + 1) & mask) {
+        const Bucket& bucket = buckets_[i];
+        if (bucket.slot < 0) {
             return -1;
         }
-        if (std::strcmp(entries[slot].name, name) == 0) {
-            return slot;
+        if (bucket.hash == name_hash && std::strcmp(entries[bucket.slot].name, name) == 0) {
+            return bucket.slot;
         }
     }
 }
 
-void NameIndex::insert(const GuiEnvEntry* entries, int slot)
+void NameIndex::insert(int slot, uint32_t name_hash)
 {
     const size_t mask = buckets_.size() - 1;
-    size_t i = hash(entries[slot].name) & mask;
-    while (buckets_[i] >= 0) {
+    size_t i = name_hash & mask;
+    while (buckets_[i].slot >= 0) {
         i = (i + 1) & mask;
     }
-    buckets_[i] = slot;
+    buckets_[i] = Bucket{slot, name_hash};
 }
 
-bool NameIndex::reserve(const GuiEnvEntry* entries, int slots)
+bool NameIndex::reserve(int slots)
 {
     // Keep the load at most one half.
     size_t wanted = 16;
@@ -54,17 +66,17 @@ bool NameIndex::reserve(const GuiEnvEntry* entries, int slots)
     if (wanted <= buckets_.size()) {
         return true;
     }
-    std::vector<int32_t> old;
+    std::vector<Bucket> old;
     try {
         old.swap(buckets_);
-        buckets_.assign(wanted, -1);
+        buckets_.assign(wanted, Bucket{-1, 0});
     } catch (const std::bad_alloc&) {
         buckets_.swap(old);
         return false;
     }
-    for (int32_t slot : old) {
-        if (slot >= 0) {
-            insert(entries, slot);
+    for (const Bucket& bucket : old) {
+        if (bucket.slot >= 0) {
+            insert(bucket.slot, bucket.hash);
         }
     }
     return true;
@@ -72,12 +84,12 @@ bool NameIndex::reserve(const GuiEnvEntry* entries, int slots)
 
 void NameIndex::add(const GuiEnvEntry* entries, int slot)
 {
-    insert(entries, slot);
+    insert(slot, hash(entries[slot].name));
 }
 
 void NameIndex::clear()
 {
-    std::vector<int32_t>().swap(buckets_);
+    std::vector<Bucket>().swap(buckets_);
 }
 
 } // namespace tql::env

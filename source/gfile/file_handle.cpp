@@ -19,6 +19,42 @@ size_t line_length(const char* text)
     return std::strcspn(text, "\r\n\x1a");
 }
 
+bool is_line_end(char c)
+{
+    return c == '\0' || c == '\n' || c == '\r' || c == kEndOfFileMark;
+}
+
+// The offset of the first NUL, LF, CR or Ctrl-Z of the `size` bytes at
+// `text`, or `size`. Sixteen bytes at a time (the last block overlapping
+// the one before): a block none of whose bytes is below 32 holds none of
+// them.
+size_t first_line_end(const char* text, size_t size)
+{
+    typedef unsigned char Block __attribute__((vector_size(16)));
+    typedef uint64_t Halves __attribute__((vector_size(16)));
+    constexpr size_t kBlock = sizeof(Block);
+    const Block below = {32, 32, 32, 32, 32, 32, 32, 32, 32, 32, 32, 32, 32, 32, 32, 32};
+    size_t at = 0;
+    while (at < size) {
+        const size_t start = size >= kBlock ? (at + kBlock <= size ? at : size - kBlock) : size;
+        if (start < size) {
+            Block block;
+            std::memcpy(&block, text + start, sizeof block);
+            const Halves control = reinterpret_cast<Halves>(block < below);
+            if ((control[0] | control[1]) == 0) {
+                at = start + kBlock;
+                continue;
+            }
+        }
+        for (const size_t stop = start < size ? start + kBlock : size; at < stop; ++at) {
+            if (is_line_end(text[at])) {
+                return at;
+            }
+        }
+    }
+    return size;
+}
+
 } // namespace
 
 extern "C" {
@@ -127,11 +163,37 @@ int gfile_getline_limited(FILE* fp, char* buf, int n)
     if (!fp || !buf || n < 1) {
         return 0;
     }
-    if (!std::fgets(buf, n, fp)) {
+    // What fgets(buf, n) reads, taken from the stream's buffer: each piece
+    // is searched for the line feed and for the line's end while it is
+    // still there, then copied once.
+    const size_t limit = static_cast<size_t>(n) - 1;
+    size_t stored = 0;
+    size_t cut = limit + 1; // the first NUL, LF, CR or Ctrl-Z, once found
+    bool complete = false;
+    const char* data = nullptr;
+    size_t count = 0;
+    while (!complete && stored < limit && buffered_input(fp, &data, &count)) {
+        size_t take = count < limit - stored ? count : limit - stored;
+        size_t scanned = take;
+        if (const void* feed = std::memchr(data, '\n', take)) {
+            scanned = static_cast<size_t>(static_cast<const char*>(feed) - data);
+            take = scanned + 1;
+            complete = true;
+        }
+        if (cut > limit) {
+            const size_t end = first_line_end(data, scanned);
+            cut = end < scanned ? stored + end : complete ? stored + scanned : cut;
+        }
+        std::memcpy(buf + stored, data, take);
+        consume_input(fp, take);
+        stored += take;
+    }
+    if (stored == 0 && limit > 0) {
         return 0;
     }
-    const size_t length = std::strlen(buf);
-    if (n > 1 && length == static_cast<size_t>(n - 1) && buf[length - 1] != '\n') {
+    buf[stored] = '\0';
+    cut = cut > stored ? stored : cut;
+    if (n > 1 && stored == limit && buf[stored - 1] != '\n' && std::strlen(buf) == stored) {
         // Throw the rest of the over-long line away.
         char discard[kChunk];
         while (std::fgets(discard, sizeof discard, fp)) {
@@ -144,7 +206,7 @@ int gfile_getline_limited(FILE* fp, char* buf, int n)
     if (buf[0] == kEndOfFileMark) {
         return 0;
     }
-    buf[line_length(buf)] = '\0';
+    buf[cut] = '\0';
     return 1;
 }
 

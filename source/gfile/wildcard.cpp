@@ -12,26 +12,38 @@ bool has_wildcard(const char* name)
 
 bool wildcard_match(const char* name, const char* pattern)
 {
-    while (*name) {
-        if (*pattern == '*') {
-            // A final '*' takes the rest. Otherwise the character after the
-            // '*' is compared literally (even '?' or '*') at each place.
-            const char after = pattern[1];
-            if (!after) {
-                return true;
+    // A '*' that is not last, with the character after it, matches any run
+    // followed by that character taken literally (even '?' or '*'). Only
+    // the last such '*' met is ever widened: a later one can take whatever
+    // an earlier one would, so the match takes time linear in the name for
+    // each '*' instead of exponential.
+    const char* literal = nullptr; // the character after the last '*'
+    const char* resume = nullptr;  // where that '*' run ends so far
+    for (;;) {
+        if (*pattern == '*' && pattern != literal) {
+            if (!pattern[1]) {
+                return true; // a final '*' takes the rest
             }
-            if (*name == after && wildcard_match(name + 1, pattern + 2)) {
-                return true;
-            }
-            ++name;
-        } else if (*pattern == '?' || *pattern == *name) {
+            literal = pattern + 1;
+            resume = name;
+            pattern = literal;
+            continue;
+        }
+        if (*name && (*pattern == *name || (*pattern == '?' && pattern != literal))) {
             ++pattern;
             ++name;
-        } else {
+            continue;
+        }
+        if (!*name && !*pattern) {
+            return true;
+        }
+        if (!literal || !*resume) {
             return false;
         }
+        // The last '*' takes one more character; try again from there.
+        name = ++resume;
+        pattern = literal;
     }
-    return !*pattern || (pattern[0] == '*' && !pattern[1]);
 }
 
 } // namespace tql::gfile

@@ -1,13 +1,12 @@
-// The fixed-record line parser (gparse_parline) and the parts all the
-// parser families share: character classes, the end character, typing.
+// The fixed-record line parser (gparse_parline) and the character classes
+// all the parser families share.
 #include "parse/line_parser.h"
-#include "parse/number_scan.h"
 
 #include <cstring>
 
 namespace tql::parse {
 
-CharClasses::CharClasses(const char* seps, const char* marks)
+CharClasses::CharClasses(const char* seps, const char* marks, char endc, bool signed_end)
 {
     std::memset(table_, 'x', sizeof table_);
     for (const char* p = seps; p && *p; ++p) {
@@ -17,24 +16,11 @@ CharClasses::CharClasses(const char* seps, const char* marks)
     for (const char* p = marks; p && *p; ++p) {
         table_[static_cast<unsigned char>(*p)] = 'm';
     }
-}
-
-size_t parsed_length(const char* line, char endc, bool signed_end)
-{
-    if (endc == 0 || (signed_end && static_cast<signed char>(endc) < 0)) {
-        return std::strlen(line);
+    // The end character wins over both.
+    if (!(signed_end && static_cast<signed char>(endc) < 0)) {
+        table_[static_cast<unsigned char>(endc)] = 's';
     }
-    const char* stop = std::strchr(line, endc);
-    return stop ? static_cast<size_t>(stop - line) : std::strlen(line);
-}
-
-void type_field(const char* line, parsefield& field)
-{
-    const NumberReading reading = read_number(line + field.start, field.end - field.start + 1);
-    field.is_int = reading.is_int;
-    field.ival = reading.ival;
-    field.is_num = reading.is_num;
-    field.dval = reading.dval;
+    table_[0] = 's';
 }
 
 } // namespace tql::parse
@@ -51,14 +37,10 @@ extern "C" unsigned int gparse_parline(const char* line, const char* seps, const
     if (!seps || !*seps || !line) {
         return 0;
     }
-    const CharClasses classes(seps, marks);
-    const size_t length = parsed_length(line, endc, false);
-    rec->count = cut_fields(line, length, classes, [rec](unsigned int i) -> parsefield* {
+    const CharClasses classes(seps, marks, endc, false);
+    rec->count = cut_fields(line, classes, [rec](unsigned int i) -> parsefield* {
         return i < GPARSE_MAX_FIELDS ? &rec->fields[i] : nullptr;
     });
-    for (unsigned int i = 0; i < rec->count; ++i) {
-        type_field(line, rec->fields[i]);
-    }
     return 1;
 }
 

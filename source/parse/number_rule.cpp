@@ -78,13 +78,9 @@ unsigned int gparse_astodbl(const char* text, double* out)
     }
     const size_t length = std::strlen(text);
     const size_t prefix = decimal_prefix(text);
-    char* end = nullptr;
-    double value = strtod_l(text, &end, c_locale());
-    if (end != text + prefix) {
-        // strtod read on into a hexadecimal form ("0x10"), "inf" or "nan".
-        // Their decimal part is at most a lone zero, so that is the value.
-        value = 0.0;
-    }
+    // The value is strtod's whatever the text: "inf" or "0x10" are no
+    // numbers by the rule below, yet the caller gets their value.
+    const double value = strtod_l(text, nullptr, c_locale());
     if (out) {
         *out = value;
     }

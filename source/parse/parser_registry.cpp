@@ -142,10 +142,17 @@ unsigned int Registry::parse(const char* line, const char* seps, const char* mar
         entry = slots_[current_];
     }
 
-    const CharClasses classes(seps, marks);
-    const size_t length = parsed_length(line, endc, true);
+    // Fields are cut straight into the record's own array while it has
+    // room, past that (or without one) into the scratch array; the record
+    // then gets a new array of the right size.
+    const CharClasses classes(seps, marks, endc, true);
+    parsefield* const owned = rec->fields && entry->fields == rec->fields ? rec->fields : nullptr;
+    const unsigned int room = owned ? entry->capacity : 0;
     bool grown = true;
-    const unsigned int count = cut_fields(line, length, classes, [&](unsigned int i) -> parsefield* {
+    const unsigned int count = cut_fields(line, classes, [&](unsigned int i) -> parsefield* {
+        if (i < room) {
+            return &owned[i];
+        }
         if (i >= scratch_.size()) {
             try {
                 scratch_.resize(2 * static_cast<size_t>(i) + 2);
@@ -154,28 +161,24 @@ unsigned int Registry::parse(const char* line, const char* seps, const char* mar
                 return nullptr;
             }
         }
+        if (i == room && room > 0) {
+            std::memcpy(scratch_.data(), owned, sizeof(parsefield) * room);
+        }
         return &scratch_[i];
     });
-    if (!grown) {
-        return 0;
-    }
-
-    // The record's own array: kept when it is large enough, else replaced.
-    if (count > 0) {
-        if (!rec->fields || entry->fields != rec->fields || entry->capacity < count) {
-            parsefield* fields = static_cast<parsefield*>(gmem_ee_malloc(sizeof(parsefield), count + 1));
-            if (!fields) {
-                return 0;
-            }
-            gmem_ee_free(rec->fields);
-            rec->fields = fields;
-            entry->capacity = count + 1;
+    if (count > room) {
+        parsefield* fields = grown ? static_cast<parsefield*>(gmem_ee_malloc(sizeof(parsefield), count + 1)) : nullptr;
+        if (!fields) {
+            // Out of memory: the record's array may hold part of this line
+            // already, so the record is left empty.
+            rec->count = room > 0 ? 0 : rec->count;
+            return 0;
         }
-        std::memcpy(rec->fields, scratch_.data(), sizeof(parsefield) * count);
-        for (unsigned int i = 0; i < count; ++i) {
-            type_field(line, rec->fields[i]);
-        }
-    } else if (rec->fields) {
+        std::memcpy(fields, scratch_.data(), sizeof(parsefield) * count);
+        gmem_ee_free(rec->fields);
+        rec->fields = fields;
+        entry->capacity = count + 1;
+    } else if (count == 0 && rec->fields) {
         release_record_fields(rec, entry);
     }
     rec->count = count;

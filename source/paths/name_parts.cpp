@@ -9,6 +9,7 @@
 
 #include <QString>
 
+#include <cctype>
 #include <cstdlib>
 #include <cstring>
 #include <strings.h>
@@ -180,7 +181,8 @@ int gfile_strip_dir_name(char* dir)
     if (length > 1 && dir[length - 1] == '/') {
         dir[length - 1] = '\\';
     }
-    const bool drive_root = length == 3 && dir[1] == ':' && dir[2] == '\\';
+    const bool drive_root = length == 3 && std::isalpha(static_cast<unsigned char>(dir[0])) && dir[1] == ':' &&
+                            dir[2] == '\\';
     if (!drive_root && length > 0 && dir[length - 1] == '\\') {
         dir[length - 1] = '\0';
     }

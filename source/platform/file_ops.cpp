@@ -127,6 +127,21 @@ bool flush_to_disk(FILE* file)
     return std::fflush(file) == 0 && ::fsync(fileno(file)) == 0;
 }
 
+bool buffered_input(FILE* file, const char** data, size_t* count)
+{
+    // glibc's read pointers; getc_unlocked refills an empty buffer, and the
+    // character it took is put back by stepping the pointer back.
+    if (file->_IO_read_ptr >= file->_IO_read_end) {
+        if (getc_unlocked(file) == EOF) {
+            return false;
+        }
+        --file->_IO_read_ptr;
+    }
+    *data = file->_IO_read_ptr;
+    *count = static_cast<size_t>(file->_IO_read_end - file->_IO_read_ptr);
+    return true;
+}
+
 bool volume_free_bytes(const std::string& native, unsigned long long& bytes)
 {
     struct statvfs volume;

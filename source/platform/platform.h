@@ -110,6 +110,15 @@ FILE* fopen_native(const std::string& native, const char* mode);
 bool replace_file(const std::string& replacement, const char* target);
 // Writes everything buffered for `file` to its disk (fflush + fsync).
 bool flush_to_disk(FILE* file);
+// The bytes the stream has buffered for reading (refilled from the file
+// when none are left), for readers that scan them in place; false at the
+// end of the file or on an error.
+bool buffered_input(FILE* file, const char** data, size_t* count);
+// Marks `count` of the bytes given by buffered_input as read.
+inline void consume_input(FILE* file, size_t count)
+{
+    file->_IO_read_ptr += count; // glibc's read pointer
+}
 
 // All free bytes of the volume that holds `native` (statvfs f_bfree *
 // f_frsize); false when it cannot be had.

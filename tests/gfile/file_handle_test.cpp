@@ -112,3 +112,24 @@ TEST(FileHandle, ModesBlocksCharactersAndPositions)
 
 } // namespace
 } // namespace tql_test
+
+namespace tql_test {
+namespace {
+
+// Lines of every length up to 150 (tabs inside, some ending in CR LF) read
+// back whole, also where a line straddles the stream's buffer refills.
+TEST(FileHandle, LinesAcrossBufferRefills)
+{
+    TempDir dir;
+    std::string text;
+    std::vector<std::string> expected;
+    for (int i = 0; i < 3000; ++i) {
+        expected.push_back(std::string(static_cast<size_t>(i % 151), static_cast<char>('a' + i % 26)) + "\t" +
+                           std::to_string(i));
+        text += expected.back() + (i % 7 == 0 ? "\r\n" : "\n");
+    }
+    EXPECT_EQ(limited_lines(dir.write_file("many.txt", text)), expected);
+}
+
+} // namespace
+} // namespace tql_test

@@ -30,9 +30,14 @@ TEST(GfileWildcard, Matching)
         const char* pattern;
         bool match;
     } cases[] = {
-        {"ac", "a*c", true},  {"abd", "a*c", false}, {"", "*", true},     {"", "?", false},
-        {"X.TXT", "*.txt", false}, {"abc", "a?c", true}, {"ab", "a?c", false}, {"a", "a**", false}, {"ab", "*?", false},
-        {"a?", "*?", true},   {"aXbXc", "a*b*c", true},
+        {"abc", "a*c", true},  {"ac", "a*c", true},   {"abd", "a*c", false}, {"", "*", true},
+        {"", "", true},        {"", "?", false},      {"x.txt", "*.txt", true}, {"X.TXT", "*.txt", false},
+        {"abc", "a?c", true},  {"ab", "a?c", false},  {"a", "a**", false},   {"ab", "*?", false},
+        {"a?", "*?", true},    {"aXbXc", "a*b*c", true}, {"anything", "*", true},
+        {"a*", "**", true},    {"ab", "**", false},   {"abab", "*b", true},  {"abba", "*b", false},
+        // many '*' against a long near-miss: answered at once, not after
+        // trying every way to share the name among them
+        {"aaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaab", "*a*a*a*a*a*a*a*a*a*a*a*a*a*a*a*a*c", false},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(std::string(c.name) + " ~ " + c.pattern);

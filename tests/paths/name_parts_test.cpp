@@ -75,7 +75,7 @@ TEST(FileNameParts, TrailingSeparators)
     struct Case {
         const char* in;
         const char* stripped;
-    } cases[] = {{"C:\\", "C:\\"}, {"C:/", "C:\\"}, {"d\\\\", "d\\"}, {"d/", "d"}, {"\\", ""}, {"/", "/"}, {"", ""}};
+    } cases[] = {{"C:\\", "C:\\"}, {"C:/", "C:\\"}, {"1:\\", "1:"}, {"d\\\\", "d\\"}, {"d/", "d"}, {"\\", ""}, {"/", "/"}, {"", ""}};
     for (const Case& c : cases) {
         SCOPED_TRACE(c.in);
         char dir[16];
