@@ -20,5 +20,6 @@
 #include "gtime.h"
 #include "platform.h"
 #include "base64.h"
+#include "tql_regex.h"
 
 #endif /* TQL70_TQL70_H */
