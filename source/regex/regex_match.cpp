@@ -189,6 +189,7 @@ private:
                 if (most < 0) {
                     return stop(ErrorCode::internal_foulup);
                 }
+                steps_ += static_cast<std::uint64_t>(most); // the scan counts towards a step limit
                 const std::ptrdiff_t count = viable(node, input, most, least);
                 ok = count >= 0;
                 if (ok) {
