@@ -410,7 +410,7 @@ CompileResult compile(const char* pattern)
         result.error = ErrorCode::too_big;
         return result;
     }
-    void* block = std::calloc(1, offsetof(tql_regexp, program) + compiler.size());
+    void* block = std::calloc(1, offsetof(tql_regexp, program) + compiler.size() + kFirstBytesSize);
     if (!block) {
         result.error = ErrorCode::out_of_space;
         return result;
@@ -423,6 +423,7 @@ CompileResult compile(const char* pattern)
     auto* r = static_cast<tql_regexp*>(block);
     std::memcpy(r->program, compiler.code().data(), compiler.size());
     set_hints(r, (flags & kStartsWithRepeat) != 0);
+    write_first_bytes(r->program, reinterpret_cast<unsigned char*>(r->program) + compiler.size());
     result.compiled = r;
     return result;
 }

@@ -275,6 +275,16 @@ MatchResult match(tql_regexp* r, const char* string, std::uint64_t step_limit)
                 break;
             }
         }
+    } else if (const unsigned char* table = first_bytes(r->program)) {
+        for (const char* p = string;; ++p) {
+            if (has_byte(table, static_cast<unsigned char>(*p)) &&
+                ((result.matched = matcher.attempt(p)) || matcher.error() != ErrorCode::none)) {
+                break;
+            }
+            if (!*p) {
+                break;
+            }
+        }
     } else {
         for (const char* p = string;; ++p) {
             if ((result.matched = matcher.attempt(p)) || matcher.error() != ErrorCode::none || !*p) {

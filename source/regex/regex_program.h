@@ -59,6 +59,18 @@ inline bool in_set(const char* set, char c)
     return false;
 }
 
+// The private trailer after the program: a flag byte (1 when the table is
+// valid) and a 256-bit table of the bytes a match can begin with.
+constexpr int kFirstBytesSize = 1 + 32;
+
+void write_first_bytes(const char* program, unsigned char* trailer);
+
+// The table of `program`'s trailer, or null when every position must be
+// tried.
+const unsigned char* first_bytes(const char* program);
+
+inline bool has_byte(const unsigned char* table, unsigned char c) { return (table[c >> 3] >> (c & 7)) & 1; }
+
 } // namespace tql::regex
 
 #endif
