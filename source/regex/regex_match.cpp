@@ -8,6 +8,7 @@
 #include "regex_engine.h"
 #include "regex_program.h"
 
+#include <algorithm>
 #include <cstring>
 #include <vector>
 
@@ -58,10 +59,22 @@ std::ptrdiff_t repeat(const char* item, const char* input)
     return p - input;
 }
 
+// The kStar/kPlus node a one-alternative program begins with, or null.
+const char* leading_repeat(const char* program)
+{
+    const char* top = program + 1;
+    const char* after = next_node(top);
+    const char* first = operand(top);
+    if (!after || opcode(after) != kEnd || (opcode(first) != kStar && opcode(first) != kPlus)) {
+        return nullptr;
+    }
+    return repeat(operand(first), "") < 0 ? nullptr : first;
+}
+
 class Matcher {
 public:
     Matcher(tql_regexp* r, const char* string, std::uint64_t step_limit)
-        : r_(r), string_(string), step_limit_(step_limit)
+        : r_(r), string_(string), step_limit_(step_limit), choices_(stacks().choices), trail_(stacks().trail)
     {
         choices_.clear();
         trail_.clear();
@@ -87,9 +100,19 @@ private:
     std::uint64_t step_limit_;
     std::uint64_t steps_ = 0;
     ErrorCode error_ = ErrorCode::none;
+    std::vector<Choice>& choices_;
+    std::vector<Saved>& trail_;
+
     // Reused between calls: matching allocates only while they grow.
-    static thread_local std::vector<Choice> choices_;
-    static thread_local std::vector<Saved> trail_;
+    struct Stacks {
+        std::vector<Choice> choices;
+        std::vector<Saved> trail;
+    };
+    static Stacks& stacks()
+    {
+        static thread_local Stacks instance;
+        return instance;
+    }
 
     void record(char** slot, const char* input)
     {
@@ -174,14 +197,25 @@ private:
             case kNothing:
             case kBack:
                 break;
-            case kBranch: {
-                const char* other = next_node(node);
-                if (other && opcode(other) == kBranch) {
+            case kBranch:
+                // Alternatives that begin with a literal not found here are
+                // passed over without a choice point.
+                for (;;) {
+                    const char* first = operand(node);
+                    const char* other = next_node(node);
+                    if (!other || opcode(other) != kBranch) {
+                        node = first;
+                        break;
+                    }
+                    if (opcode(first) == kLiteral && *operand(first) != *input) {
+                        node = other;
+                        continue;
+                    }
                     choices_.push_back({other, input, -1, trail_.size()});
+                    node = first;
+                    break;
                 }
-                node = operand(node);
                 continue;
-            }
             case kStar:
             case kPlus: {
                 const std::ptrdiff_t least = op == kPlus ? 1 : 0;
@@ -243,9 +277,6 @@ private:
     }
 };
 
-thread_local std::vector<Choice> Matcher::choices_;
-thread_local std::vector<Saved> Matcher::trail_;
-
 } // namespace
 
 MatchResult match(tql_regexp* r, const char* string, std::uint64_t step_limit)
@@ -275,19 +306,22 @@ MatchResult match(tql_regexp* r, const char* string, std::uint64_t step_limit)
                 break;
             }
         }
-    } else if (const unsigned char* table = first_bytes(r->program)) {
+    } else {
+        const unsigned char* table = first_bytes(r->program);
+        const char* lead = leading_repeat(r->program);
         for (const char* p = string;; ++p) {
-            if (has_byte(table, static_cast<unsigned char>(*p)) &&
-                ((result.matched = matcher.attempt(p)) || matcher.error() != ErrorCode::none)) {
-                break;
+            if (!table || has_byte(table, static_cast<unsigned char>(*p))) {
+                if ((result.matched = matcher.attempt(p)) || matcher.error() != ErrorCode::none) {
+                    break;
+                }
+                if (lead) {
+                    // A failed attempt has tried every end of the leading
+                    // repetition; attempts inside its run have fewer ends.
+                    const std::ptrdiff_t run = repeat(operand(lead), p);
+                    p += opcode(lead) == kPlus ? std::max<std::ptrdiff_t>(run - 1, 0) : run;
+                }
             }
             if (!*p) {
-                break;
-            }
-        }
-    } else {
-        for (const char* p = string;; ++p) {
-            if ((result.matched = matcher.attempt(p)) || matcher.error() != ErrorCode::none || !*p) {
                 break;
             }
         }
