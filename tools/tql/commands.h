@@ -30,6 +30,9 @@ bool expand_text(const char* text, GuiEnv env, std::string& out);
 // tql env (env_commands.cpp).
 int run_env(const Args& args);
 
+// tql grep (grep_command.cpp).
+int run_grep(const Args& args);
+
 // Prints "tql: MESSAGE" and the command's usage to stderr; returns 2.
 int usage_error(const Command& command, const std::string& message);
 
