@@ -61,6 +61,11 @@ TEST(RegexTest, MatchesAndGroups)
         {"()", "x", {"", ""}},
         {"a|b|", "c", {""}},
         {"a^b", "a^b", {}},
+        {"[0-9]+x", "123 45x", {"45x"}},     // runs of a leading repetition are skipped
+        {"a*b", "aac ab", {"ab"}},
+        {"x*$", "ab", {""}},
+        {"(ab|a)(bc|c)", "xabc", {"abc", "ab", "c"}},
+        {"(e|f)rr|wa", "a warn", {"wa", "<unset>"}},
         {"((((((((( a)))))))))", " a", {" a", " a", " a", " a", " a", " a", " a", " a", " a", " a"}},
     };
     for (const MatchCase& c : cases) {
@@ -133,6 +138,7 @@ TEST(RegexTest, FatalMessages)
         {"NULL argument", [] { tql_regcomp(nullptr); }},
         {"regexp too big", [] { tql_regcomp(std::string(32763, 'a').c_str()); }},
         {"too many ()", [] { tql_regcomp("(a)(b)(c)(d)(e)(f)(g)(h)(i)(j)"); }},
+        {"unmatched []", [] { tql_regcomp("(a)(b)(c)(d)(e)(f)(g)(h)(i)(j)["); }},
         {"unmatched ()", [] { tql_regcomp("(ab"); }},
         {"unmatched ()", [] { tql_regcomp("ab)"); }},
         {"*+ operand could be empty", [] { tql_regcomp("(a|)*"); }},
