@@ -1,6 +1,7 @@
 // Matching a compiled program against a string: the hints choose where to
 // try (one place when anchored, each occurrence of the first character, or
-// every position up to and including the terminating NUL), and each
+// every position up to and including the terminating NUL, less those the
+// first-byte table or a leading repetition's run rule out), and each
 // attempt runs the node program with backtracking. Choice points live on an
 // explicit stack, so long subjects cannot exhaust the call stack; group
 // pointers are set through an undo trail so that a failed path restores
