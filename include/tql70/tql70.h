@@ -23,5 +23,6 @@
 #include "gmath.h"
 #include "platform.h"
 #include "base64.h"
+#include "tql_regex.h"
 
 #endif /* TQL70_TQL70_H */

@@ -4,6 +4,7 @@
 #include <tql70/tql70.h>
 
 #include <stdio.h>
+#include <stdlib.h>
 #include <string.h>
 
 static int failures = 0;
@@ -42,6 +43,7 @@ int main(void)
     char* block;
     const char* text = NULL;
     int code = 0;
+    tql_regexp* compiled;
 
     base64_init_encodestate(&encoder);
     length = base64_encode_block(plain, (int)strlen(plain), encoded, &encoder);
@@ -91,6 +93,12 @@ int main(void)
     block = (char*)gmem_ee_calloc(4, 2);
     check(block != NULL && block[7] == 0, "gmem_ee_calloc");
     gmem_ee_free(block);
+
+    compiled = tql_regcomp("x(ab)y");
+    check(tql_regexec(compiled, "zxaby") == 1, "tql_regexec");
+    tql_regsub(compiled, "[\\1]&", native);
+    check(strcmp(native, "[ab]xaby") == 0, "tql_regsub");
+    free(compiled);
 
     return failures == 0 ? 0 : 1;
 }

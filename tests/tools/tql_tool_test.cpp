@@ -217,3 +217,29 @@ TEST(TqlTool, MathEvaluatesOneFunctionWithTheErrorState)
         EXPECT_EQ(run.out.compare(0, std::string(c.out).size(), c.out), 0) << run.out;
     }
 }
+
+TEST(TqlTool, Grep)
+{
+    tql_test::TempDir dir;
+    const std::string file = dir.write_file("log.txt", "PATH=/bin\nmail bob@site.org\nzxabyz\n");
+    const struct {
+        std::string arguments;
+        int status;
+        std::string out;
+    } cases[] = {
+        {"'x(ab)y' " + file, 0, "zxabyz\n"},
+        {"-o '[a-z]+@[a-z]+' " + file, 0, "bob@site\n"},
+        {"-s '<\\1>&' 'x(ab)y' " + file + " " + file, 0, file + ":<ab>xaby\n" + file + ":<ab>xaby\n"},
+        {"'^PATH=' " + file + " " + dir.path() + "/missing", 2, file + ":PATH=/bin\n"},
+        {"nothing " + file, 1, ""},
+        {"'a**' " + file, 2, ""},
+        {"-s", 2, ""},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.arguments);
+        const ToolRun run = tql("grep " + c.arguments);
+        EXPECT_EQ(run.status, c.status);
+        EXPECT_EQ(run.out, c.out);
+    }
+    EXPECT_EQ(tql("grep 'a**' " + file, true).out, "tql: bad pattern 'a**': nested *?+\n");
+}

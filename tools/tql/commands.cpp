@@ -357,6 +357,10 @@ const std::vector<Command>& commands()
         {"path", "tql path native|canon PATH",
          "print the Linux form of a library-form path, or its absolute canonical form",
          run_path},
+        {"grep", "tql grep [-o] [-s TEMPLATE] PATTERN [FILE...]",
+         "print the lines a regular expression matches, -o the matched parts, -s the template\n"
+         "                       with & and \\1..\\9 replaced; exit status 1 when none, 2 on a bad pattern",
+         run_grep},
     };
     return all;
 }
