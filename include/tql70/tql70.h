@@ -20,5 +20,6 @@
 #include "gtime.h"
 #include "platform.h"
 #include "base64.h"
+#include "gcrypt.h"
 
 #endif /* TQL70_TQL70_H */

@@ -353,6 +353,10 @@ const std::vector<Command>& commands()
         {"path", "tql path native|canon PATH",
          "print the Linux form of a library-form path, or its absolute canonical form",
          run_path},
+        {"crypt", "tql crypt encrypt|decrypt TEXT | header NUMBER WORD",
+         "encrypt or decrypt TEXT with the installation key, or print the encrypted header\n"
+         "                       line of a text file",
+         run_crypt},
     };
     return all;
 }
