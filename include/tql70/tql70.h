@@ -21,5 +21,6 @@
 #include "platform.h"
 #include "base64.h"
 #include "gcrypt.h"
+#include "dbug.h"
 
 #endif /* TQL70_TQL70_H */

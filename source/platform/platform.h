@@ -219,6 +219,11 @@ bool create_private_file(const char* name, const void* data, size_t length);
 // $HOME/.config.
 std::string user_config_directory();
 
+// ---- the process --------------------------------------------------------
+
+// The running program's name without its directory.
+std::string process_name();
+
 // ---- system errors -----------------------------------------------------
 
 // Whether the C library knows a name for the errno value `code`.
