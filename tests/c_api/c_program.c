@@ -29,6 +29,13 @@ static int compare_ints(const void* a, const void* b)
     return *(const int*)a - *(const int*)b;
 }
 
+/* The trace macros expanded in C. */
+static int traced_increment(int x)
+{
+    DBUG_ENTER("traced_increment");
+    DBUG_RETURN(x + 1);
+}
+
 int main(void)
 {
     int values[5] = {3, 1, 2, 5, 4};
@@ -77,6 +84,10 @@ int main(void)
     block = (char*)gmem_ee_calloc(4, 2);
     check(block != NULL && block[7] == 0, "gmem_ee_calloc");
     gmem_ee_free(block);
+
+    check(gcrypt_encrypt_mode(7) == -1 && strcmp(gcrypt_error(), "GCRYPTERR: unsupported encryption mode") == 0,
+          "gcrypt_encrypt_mode refuses an unknown mode");
+    check(traced_increment(1) == 2, "DBUG_ENTER and DBUG_RETURN");
 
     return failures == 0 ? 0 : 1;
 }
