@@ -8,7 +8,8 @@
  * nothing (the returns to plain returns).
  *
  * Tracing is switched on by a control string (DBUG_PUSH, or the process
- * variable ZQTARVEX_DBUG when the library is loaded); see docs/tracing.md.
+ * variable ZQTARVEX_DBUG, pushed at the first use of any macro); see
+ * docs/tracing.md.
  * While nothing is pushed, a traced function costs one load and one test
  * at entry and at return. */
 #ifndef TQL70_DBUG_H
@@ -26,7 +27,8 @@ struct _db_frame_ {
     long long start_ns;
 };
 
-/* Non-zero while some control string is pushed. */
+/* Non-zero while some control string is pushed (and before the first use,
+ * which reads ZQTARVEX_DBUG). */
 TQL70_API extern int _db_on_;
 
 /* Makes `control` the current settings, keeping the previous ones. */

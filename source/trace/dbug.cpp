@@ -142,32 +142,8 @@ void write_profile_at_exit()
     }
 }
 
-// Pushes ZQTARVEX_DBUG when the library is loaded.
-struct PushFromEnvironment {
-    PushFromEnvironment()
-    {
-        if (const char* control = std::getenv("ZQTARVEX_DBUG"); control && *control) {
-            _db_push_(control);
-        }
-    }
-} push_from_environment;
-
-} // namespace
-
-extern "C" {
-
-int _db_on_ = 0;
-
-void _db_push_(const char* control)
+void push_settings(const char* control)
 {
-    // The state is made before the exit hook is registered, so that it is
-    // destroyed only after the hook has run.
-    static std::once_flag exit_hook;
-    std::call_once(exit_hook, [] {
-        lock();
-        stack();
-        std::atexit(write_profile_at_exit);
-    });
     auto pushed = std::make_unique<Pushed>();
     pushed->settings = tql::trace::parse_control(control ? control : "");
     if (!pushed->settings.output.empty()) {
@@ -180,8 +156,42 @@ void _db_push_(const char* control)
     _db_on_ = 1;
 }
 
+// The first call of any _db_ function pushes ZQTARVEX_DBUG when it is set
+// and then leaves _db_on_ telling whether anything is pushed. _db_on_
+// starts non-zero so that the first DBUG_ENTER or DBUG_PRINT gets here.
+void start()
+{
+    static std::once_flag started;
+    std::call_once(started, [] {
+        // The state is made before the exit hook is registered, so that it
+        // is destroyed only after the hook has run.
+        lock();
+        stack();
+        std::atexit(write_profile_at_exit);
+        const char* control = std::getenv("ZQTARVEX_DBUG");
+        if (control && *control) {
+            push_settings(control);
+        }
+        std::lock_guard<std::mutex> guard(lock());
+        _db_on_ = !stack().empty();
+    });
+}
+
+} // namespace
+
+extern "C" {
+
+int _db_on_ = 1;
+
+void _db_push_(const char* control)
+{
+    start();
+    push_settings(control);
+}
+
 void _db_pop_(void)
 {
+    start();
     std::lock_guard<std::mutex> guard(lock());
     if (stack().empty()) {
         return;
@@ -195,6 +205,7 @@ void _db_pop_(void)
 
 void _db_enter_(const char* function, const char* file, int line, _db_frame_* frame)
 {
+    start();
     frame->function = function ? function : "?func";
     frame->file = file;
     frame->entered = 1;
@@ -240,6 +251,7 @@ void _db_return_(int line, _db_frame_* frame)
 
 int _db_keyword_(const char* keyword)
 {
+    start();
     std::lock_guard<std::mutex> guard(lock());
     if (stack().empty()) {
         return 0;

@@ -9,6 +9,8 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <cstdlib>
+#include <filesystem>
 #include <set>
 #include <sstream>
 #include <string>
@@ -142,6 +144,23 @@ TEST(Dbug, FailedAssertionPrintsItsPlaceAndAborts)
     EXPECT_EQ(child.signal, SIGABRT);
     EXPECT_EQ(child.err, "dbug_test " + std::string(__FILE__) + "(" + std::to_string(assert_line) +
                              "): assertion 'two == 3' failed\n");
+}
+
+// Runs itself again in a new process with ZQTARVEX_DBUG set, where this
+// test alone runs and its first DBUG_ENTER pushes the variable.
+TEST(Dbug, EnvironmentIsPushedAtFirstUse)
+{
+    if (std::getenv("DBUG_TEST_AGAIN")) {
+        outer();
+        return;
+    }
+    TempDir dir;
+    const std::string out = dir.path() + "/env.out";
+    const std::string command = "DBUG_TEST_AGAIN=1 ZQTARVEX_DBUG='t:o," + out + "' " +
+                                std::filesystem::read_symlink("/proc/self/exe").string() +
+                                " --gtest_filter=Dbug.EnvironmentIsPushedAtFirstUse >/dev/null 2>&1";
+    ASSERT_EQ(std::system(command.c_str()), 0);
+    EXPECT_EQ(read_file(out), ">outer\n| >inner\n| <inner\n<outer\n");
 }
 
 } // namespace
