@@ -169,30 +169,17 @@ TEST_F(Gcrypt, KeyFilesOpenToOthersOrUnreadableAreRefused)
 TEST_F(Gcrypt, EncryptedHeaderReadsWhatTheServiceMade)
 {
     const std::string header = take(gcrypt_encrypt("42 alpha"));
-    std::string tampered = header;
-    tampered[10] = tampered[10] == 'A' ? 'B' : 'A';
-    const struct {
-        const char* name;
-        std::string content;
-        int result;
-    } cases[] = {{"made by the service", "  @;  " + header + "  \nbody\n", 1},
-                 {"tampered", "@& " + tampered + "\nbody\n", 0}};
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
-        // gfile_encrypted uses mode 0 whatever the caller selected.
-        gcrypt_encrypt_mode(1);
-        FILE* file = std::fopen(dir_.write_file("f.txt", c.content).c_str(), "r");
-        ASSERT_NE(file, nullptr);
-        int number = 0;
-        char word[64] = "";
-        EXPECT_EQ(gfile_encrypted(file, &number, word), c.result);
-        EXPECT_EQ(number, c.result ? 42 : 0);
-        EXPECT_STREQ(word, c.result ? "alpha" : "");
-        char rest[16] = "";
-        EXPECT_TRUE(std::fgets(rest, sizeof rest, file));
-        EXPECT_STREQ(rest, c.result ? "body\n" : c.content.substr(0, 15).c_str());
-        std::fclose(file);
-    }
+    gcrypt_encrypt_mode(1); // gfile_encrypted selects mode 0 itself
+    FILE* file = std::fopen(dir_.write_file("f.txt", "  @;  " + header + "  \nbody\n").c_str(), "r");
+    ASSERT_NE(file, nullptr);
+    int number = 0;
+    char word[64] = "";
+    EXPECT_EQ(gfile_encrypted(file, &number, word), 1);
+    EXPECT_EQ(number, 42);
+    EXPECT_STREQ(word, "alpha");
+    char rest[16] = "";
+    EXPECT_STREQ(std::fgets(rest, sizeof rest, file), "body\n");
+    std::fclose(file);
 }
 
 } // namespace
