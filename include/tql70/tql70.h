@@ -24,5 +24,7 @@
 #include "platform.h"
 #include "base64.h"
 #include "tql_regex.h"
+#include "gcrypt.h"
+#include "dbug.h"
 
 #endif /* TQL70_TQL70_H */

@@ -1,7 +1,6 @@
 // What the file operations need of the string-encryption service: a mode
-// switch and the decryption of one line that can fail. The service itself
-// is a separate part of the library; until it is built in, a stand-in that
-// rejects every line is installed. Tests may install their own.
+// switch and the decryption of one line that can fail. The library's string
+// encryption (gcrypt) is installed; tests may install their own.
 #ifndef TQL70_SOURCE_GFILE_DECRYPT_SERVICE_H
 #define TQL70_SOURCE_GFILE_DECRYPT_SERVICE_H
 

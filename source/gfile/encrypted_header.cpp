@@ -1,7 +1,9 @@
 // gfile_encrypted: recognising a text file whose first line is an
 // encrypted header ("@&", "@;" or "@!" followed by cipher text), and the
-// stand-in decrypt service used until the encryption service is built in.
+// decrypt service it uses: the library's string encryption.
+#include <tql70/gcrypt.h>
 #include <tql70/gfile.h>
+#include <tql70/gmem.h>
 #include <tql70/gparse.h>
 
 #include "gfile/decrypt_service.h"
@@ -15,20 +17,27 @@ namespace tql::gfile {
 
 namespace {
 
-void standin_select_mode(int)
+void gcrypt_select_mode(int mode)
 {
+    gcrypt_encrypt_mode(mode);
 }
 
-bool standin_decrypt_line(const char*, std::string&)
+bool gcrypt_decrypt_line(const char* cipher, std::string& plain)
 {
-    return false;
+    char* text = gcrypt_decrypt(cipher);
+    if (!text) {
+        return false;
+    }
+    plain = text;
+    gmem_ee_free(text);
+    return true;
 }
 
 } // namespace
 
 DecryptService& decrypt_service()
 {
-    static DecryptService service{standin_select_mode, standin_decrypt_line};
+    static DecryptService service{gcrypt_select_mode, gcrypt_decrypt_line};
     return service;
 }
 

@@ -224,6 +224,30 @@ void ensure_qt_core_settings();
 // in each directory of $XDG_CONFIG_DIRS). True when found, with its value.
 bool getenv_check_registry_qt(const QString& name, QString& value);
 
+// ---- private files (key material) ---------------------------------------
+
+enum class PrivateFileRead { kRead, kMissing, kTooOpen, kNotRegular, kTooLarge, kFailed };
+// Reads the whole library-form file `name` into `buffer` (at most
+// `capacity` bytes; the count in `length`). A final symbolic link is not
+// followed (kFailed, ELOOP); a file that is not regular, or whose
+// permission bits allow more than 0600 (its bits in `mode`), is refused
+// unread. kFailed leaves errno set.
+PrivateFileRead read_private_file(const char* name, unsigned char* buffer, size_t capacity, size_t& length,
+                                  unsigned& mode);
+// Creates the library-form file `name`, which must not exist yet (not even
+// as a link), with permissions 0600, making missing parent directories,
+// and writes `data` to it. False with errno set; a partly written file is
+// removed.
+bool create_private_file(const char* name, const void* data, size_t length);
+// The user's configuration directory, native: $XDG_CONFIG_HOME, else
+// $HOME/.config.
+std::string user_config_directory();
+
+// ---- the process --------------------------------------------------------
+
+// The running program's name without its directory.
+std::string process_name();
+
 // ---- system errors -----------------------------------------------------
 
 // Whether the C library knows a name for the errno value `code`.

@@ -30,6 +30,13 @@ static int compare_ints(const void* a, const void* b)
     return *(const int*)a - *(const int*)b;
 }
 
+/* The trace macros expanded in C. */
+static int traced_increment(int x)
+{
+    DBUG_ENTER("traced_increment");
+    DBUG_RETURN(x + 1);
+}
+
 int main(void)
 {
     int values[5] = {3, 1, 2, 5, 4};
@@ -99,6 +106,9 @@ int main(void)
     tql_regsub(compiled, "[\\1]&", native);
     check(strcmp(native, "[ab]xaby") == 0, "tql_regsub");
     free(compiled);
+    check(gcrypt_encrypt_mode(7) == -1 && strcmp(gcrypt_error(), "GCRYPTERR: unsupported encryption mode") == 0,
+          "gcrypt_encrypt_mode refuses an unknown mode");
+    check(traced_increment(1) == 2, "DBUG_ENTER and DBUG_RETURN");
 
     return failures == 0 ? 0 : 1;
 }

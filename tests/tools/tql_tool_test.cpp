@@ -1,6 +1,7 @@
 // The tql command line: exit statuses, outputs and usage errors.
 #include "support/scoped_env.h"
 
+#include <tql70/gfile.h>
 #include <tql70/process_env.h>
 
 #include <gtest/gtest.h>
@@ -190,6 +191,35 @@ TEST(TqlTool, TreeWalkFailureNamesTheEntryAndTheReason)
     EXPECT_EQ(run.status, 1);
     EXPECT_EQ(run.out, "tql: cannot copy " + dir.path() + "/src: " + dir.path() +
                            "/out/sub: Error writing file (File exists)\n");
+}
+
+// tql crypt in a private installation, a header it makes read back by
+// gfile_encrypted.
+TEST(TqlTool, CryptCommands)
+{
+    tql_test::TempDir dir;
+    tql_test::ScopedEnv site("ZQTARVEX_DIR", dir.path() + "/site");
+    tql_test::ScopedEnv home("HOME", dir.path());
+    tql_test::ScopedSettingsStore store({});
+    tql_test::ScopedCurrentDirectory cwd(dir.path());
+
+    const ToolRun line = tql("crypt encrypt 'hello world'");
+    ASSERT_EQ(line.status, 0);
+    EXPECT_EQ(tql("crypt decrypt " + line.out).out, "hello world\n");
+    const ToolRun bad = tql("crypt decrypt 'x*'", true);
+    EXPECT_EQ(bad.status, 1);
+    EXPECT_EQ(bad.out, "tql: GCRYPTERR: unsupported character in string\n");
+    EXPECT_EQ(tql("crypt header x alpha").status, 2);
+
+    const ToolRun header = tql("crypt header 42 alpha");
+    ASSERT_EQ(header.out.compare(0, 3, "@& "), 0);
+    FILE* file = std::fopen(dir.write_file("marked.txt", header.out + "body\n").c_str(), "r");
+    int number = 0;
+    char word[32] = "";
+    EXPECT_EQ(gfile_encrypted(file, &number, word), 1);
+    EXPECT_EQ(number, 42);
+    EXPECT_STREQ(word, "alpha");
+    std::fclose(file);
 }
 
 } // namespace

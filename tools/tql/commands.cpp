@@ -361,6 +361,10 @@ const std::vector<Command>& commands()
          "print the lines a regular expression matches, -o the matched parts, -s the template\n"
          "                       with & and \\1..\\9 replaced; exit status 1 when none, 2 on a bad pattern",
          run_grep},
+        {"crypt", "tql crypt encrypt|decrypt TEXT | header NUMBER WORD",
+         "encrypt or decrypt TEXT with the installation key, or print the encrypted header\n"
+         "                       line of a text file",
+         run_crypt},
     };
     return all;
 }

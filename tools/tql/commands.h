@@ -29,6 +29,8 @@ bool expand_text(const char* text, GuiEnv env, std::string& out);
 
 // tql env (env_commands.cpp).
 int run_env(const Args& args);
+// tql crypt (crypt_commands.cpp).
+int run_crypt(const Args& args);
 
 // tql math (math_commands.cpp).
 int run_math(const Args& args);
