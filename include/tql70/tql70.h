@@ -21,5 +21,8 @@
 #include "gmath.h"
 #include "platform.h"
 #include "base64.h"
+#ifndef TQL70_OMIT_HASHDB
+#include "hashdb.h"
+#endif
 
 #endif /* TQL70_TQL70_H */
