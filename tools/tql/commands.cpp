@@ -357,6 +357,8 @@ const std::vector<Command>& commands()
         {"path", "tql path native|canon PATH",
          "print the Linux form of a library-form path, or its absolute canonical form",
          run_path},
+        {"hash", "tql hash dump|get|put|stat FILE [KEY [VALUE]]",
+         "list, look up or add pairs of a hash database, or show its size", run_hash},
     };
     return all;
 }
