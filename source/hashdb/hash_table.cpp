@@ -396,6 +396,12 @@ int HashTable::overflow_ordinal(uint32_t page) const
     return -1;
 }
 
+void HashTable::out_of_overflow() const
+{
+    std::fputs("HASH: Out of overflow pages. Increase page size\n", stderr);
+    errno = ENOSPC;
+}
+
 // A new overflow page's number; 0 when the overflow pages are exhausted.
 uint32_t HashTable::allocate_overflow()
 {
@@ -410,8 +416,7 @@ uint32_t HashTable::allocate_overflow()
     }
     if (ordinal == ovfl_total_) {
         if (ovfl_total_ >= bitmap_.size() * 8) {
-            std::fputs("HASH: Out of overflow pages. Increase page size\n", stderr);
-            errno = ENOSPC;
+            out_of_overflow();
             return 0;
         }
         ++ovfl_total_;
@@ -468,6 +473,10 @@ bool HashTable::write_big(const DBT& key, const DBT& data, uint32_t& first)
 bool HashTable::read_big(uint32_t number, uint64_t skip, uint64_t size, std::string& out)
 {
     out.clear();
+    if (skip + size > file_pages_ * (bsize_ - kPageHead)) {
+        errno = EINVAL; // longer than the whole file could hold
+        return false;
+    }
     out.reserve(size);
     for (uint64_t steps = 0; out.size() < size; ++steps) {
         Page* page = steps <= file_pages_ ? fetch(number, kBigPage) : nullptr;
@@ -735,7 +744,22 @@ int HashTable::put(const DBT& key, const DBT& data, unsigned flags)
     if (!make_record(key, data, record)) {
         return -1;
     }
+    const auto drop_new_chain = [&] {
+        const unsigned char* r = reinterpret_cast<const unsigned char*>(record.data());
+        if (load16(r) == kBigMark) {
+            free_chain(load32(r + 4));
+        }
+    };
     if (result == 0) {
+        // The old pair goes only when the new one is sure to find room.
+        uint32_t old_length = 0;
+        record_bounds(*found.page, found.offset, old_length);
+        const uint32_t room = bsize_ - kPageHead - load16(found.page->bytes.data() + 6) + old_length;
+        if (record.size() > room && ovfl_used_ == bitmap_.size() * 8) {
+            drop_new_chain();
+            out_of_overflow();
+            return -1;
+        }
         const unsigned char* r = found.page->bytes.data() + found.offset;
         const uint32_t big = load16(r) == kBigMark ? load32(r + 4) : 0;
         remove_record(found);
@@ -743,9 +767,7 @@ int HashTable::put(const DBT& key, const DBT& data, unsigned flags)
         --nkeys_;
     }
     if (!insert_record(bucket_of(h), record)) {
-        if (load16(reinterpret_cast<const unsigned char*>(record.data())) == kBigMark) {
-            free_chain(load32(reinterpret_cast<const unsigned char*>(record.data()) + 4));
-        }
+        drop_new_chain();
         return -1;
     }
     ++nkeys_;

@@ -71,6 +71,8 @@ private:
     int overflow_ordinal(uint32_t page) const;
     uint32_t allocate_overflow();
     void free_overflow(uint32_t page);
+    // Says so on standard error and sets errno.
+    void out_of_overflow() const;
 
     int find(const DBT& key, uint32_t h, Found& found);
     bool record_key(const unsigned char* record, std::string& key);

@@ -3,6 +3,8 @@
  * check holds. */
 #include <tql70/tql70.h>
 
+#include <errno.h>
+#include <fcntl.h>
 #include <stdio.h>
 #include <string.h>
 
@@ -77,6 +79,21 @@ int main(void)
     block = (char*)gmem_ee_calloc(4, 2);
     check(block != NULL && block[7] == 0, "gmem_ee_calloc");
     gmem_ee_free(block);
+
+    check(tql_hcreate(1) != 0, "tql_hcreate");
+    {
+        char key[] = "name";
+        ENTRY item;
+        item.key = key;
+        item.data = values;
+        check(tql_hsearch(item, ENTER) != NULL && tql_hsearch(item, FIND)->data == values, "tql_hsearch");
+    }
+    tql_hdestroy();
+    {
+        HASHINFO info = {100, 0, 0, 0, NULL, 0}; /* not a power of two */
+        errno = 0;
+        check(hash_open(NULL, O_RDWR, 0, &info, 0) == NULL && errno == EINVAL, "hash_open refuses a bad page size");
+    }
 
     return failures == 0 ? 0 : 1;
 }
