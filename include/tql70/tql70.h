@@ -26,5 +26,8 @@
 #include "tql_regex.h"
 #include "gcrypt.h"
 #include "dbug.h"
+#ifndef TQL70_OMIT_HASHDB
+#include "hashdb.h"
+#endif
 
 #endif /* TQL70_TQL70_H */

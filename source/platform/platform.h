@@ -209,6 +209,29 @@ void sleep_seconds(unsigned int seconds);
 // id (getpwuid_r); "" when neither is known.
 std::string login_name();
 
+// ---- page files (the hash database's file access) ----------------------
+
+// open(2) of the library-form `name`; -1 with errno set.
+int page_file_open(const char* name, int flags, int mode);
+// A new file from the template "_hashXXXXXX" in the temporary directory
+// (TMPDIR, else /tmp): its descriptor, its native name in `name`; -1 with
+// errno set.
+int page_file_temporary(std::string& name);
+// mkstemp(3) of a native template, replaced in place.
+int make_unique_file(char* template_name);
+// Reads up to `size` bytes at `offset`; the count read (short at the end of
+// the file), -1 with errno set on error.
+long long page_file_read(int fd, void* buffer, size_t size, long long offset);
+// Writes all `size` bytes at `offset`; false with errno set.
+bool page_file_write(int fd, const void* buffer, size_t size, long long offset);
+// The file's size in bytes; -1 with errno set.
+long long page_file_size(int fd);
+bool page_file_truncate(int fd, long long size);
+bool page_file_sync(int fd);
+int page_file_close(int fd);
+// unlink(2) of a native name.
+int page_file_remove(const std::string& native);
+
 // ---- settings store (stands in for the registry) -----------------------
 
 // Set once initialize_qt_core_settings has run; callers that build a

@@ -3,6 +3,8 @@
  * check holds. */
 #include <tql70/tql70.h>
 
+#include <errno.h>
+#include <fcntl.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
@@ -109,6 +111,20 @@ int main(void)
     check(gcrypt_encrypt_mode(7) == -1 && strcmp(gcrypt_error(), "GCRYPTERR: unsupported encryption mode") == 0,
           "gcrypt_encrypt_mode refuses an unknown mode");
     check(traced_increment(1) == 2, "DBUG_ENTER and DBUG_RETURN");
+    check(tql_hcreate(1) != 0, "tql_hcreate");
+    {
+        char key[] = "name";
+        ENTRY item;
+        item.key = key;
+        item.data = values;
+        check(tql_hsearch(item, ENTER) != NULL && tql_hsearch(item, FIND)->data == values, "tql_hsearch");
+    }
+    tql_hdestroy();
+    {
+        HASHINFO info = {100, 0, 0, 0, NULL, 0}; /* not a power of two */
+        errno = 0;
+        check(hash_open(NULL, O_RDWR, 0, &info, 0) == NULL && errno == EINVAL, "hash_open refuses a bad page size");
+    }
 
     return failures == 0 ? 0 : 1;
 }

@@ -273,3 +273,23 @@ TEST(TqlTool, Grep)
     }
     EXPECT_EQ(tql("grep 'a**' " + file, true).out, "tql: bad pattern 'a**': nested *?+\n");
 }
+
+TEST(TqlTool, HashCommands)
+{
+    tql_test::TempDir dir;
+    const std::string db = dir.path() + "/t.db";
+    const std::string foreign = dir.write_file("foreign", std::string(300, 'f'));
+    const ToolCase runs[] = {
+        {"hash put " + db + " one 'first value'", 0, "", true},
+        {"hash put " + db + " 'tab\tkey' 'a\\b'", 0, "", true},
+        {"hash get " + db + " one", 0, "first value\n", true},
+        {"hash get " + db + " two", 1, "tql: " + db + " has no key 'two'\n", true},
+        {"hash dump " + db, 0, "tab\\x09key\ta\\\\b\n"},
+        {"hash stat " + db, 0, "pairs           2\n"},
+        {"hash stat " + foreign, 1, "tql: cannot open " + foreign + ": Invalid argument\n", true},
+        {"hash get " + db, 2, "usage: tql hash"},
+    };
+    for (const ToolCase& r : runs) {
+        check(r);
+    }
+}

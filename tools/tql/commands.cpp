@@ -365,6 +365,8 @@ const std::vector<Command>& commands()
          "encrypt or decrypt TEXT with the installation key, or print the encrypted header\n"
          "                       line of a text file",
          run_crypt},
+        {"hash", "tql hash dump|get|put|stat FILE [KEY [VALUE]]",
+         "list, look up or add pairs of a hash database, or show its size", run_hash},
     };
     return all;
 }

@@ -38,6 +38,9 @@ int run_math(const Args& args);
 // tql grep (grep_command.cpp).
 int run_grep(const Args& args);
 
+// tql hash (hash_commands.cpp).
+int run_hash(const Args& args);
+
 // Prints "tql: MESSAGE" and the command's usage to stderr; returns 2.
 int usage_error(const Command& command, const std::string& message);
 
