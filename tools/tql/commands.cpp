@@ -346,6 +346,10 @@ const std::vector<Command>& commands()
         {"path", "tql path native|canon PATH",
          "print the Linux form of a library-form path, or its absolute canonical form",
          run_path},
+        {"msg", "tql msg SET NUMBER [--lang L]",
+         "print a message of the catalogue by set and number; tql msg list SET prints the set", run_msg},
+        {"prj", "tql prj new|test|copy|rm|info DIR [DST]",
+         "create (--subdirs A;B --copy SRC,DST --overwrite), test, copy, remove or describe a project", run_prj},
     };
     return all;
 }

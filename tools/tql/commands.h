@@ -29,6 +29,9 @@ bool expand_text(const char* text, GuiEnv env, std::string& out);
 
 // tql env (env_commands.cpp).
 int run_env(const Args& args);
+// tql msg (msg_commands.cpp) and tql prj (prj_commands.cpp).
+int run_msg(const Args& args);
+int run_prj(const Args& args);
 
 // Prints "tql: MESSAGE" and the command's usage to stderr; returns 2.
 int usage_error(const Command& command, const std::string& message);
