@@ -3,7 +3,6 @@
 #include "containers/glist_internal.h"
 
 #include <tql70/gfile.h>
-#include <tql70/gparse.h>
 
 #include "platform/replace_by_rename.h"
 
@@ -14,6 +13,29 @@
 namespace {
 
 constexpr size_t kLineBuffer = 1025;
+
+// glist_putstr of a line read from a file, its TABs turned into blanks
+// (as gparse_strptab does), without measuring the line twice.
+bool put_line(GlistHeader* list, unsigned int index, char* line)
+{
+    const size_t length = std::strlen(line);
+    for (char* tab = static_cast<char*>(std::memchr(line, '\t', length)); tab;
+         tab = static_cast<char*>(std::memchr(tab + 1, '\t', length - static_cast<size_t>(tab + 1 - line)))) {
+        *tab = ' ';
+    }
+    if (glist_internal::hooked(list, glist_internal::kHookPutRecord, line)) {
+        return true;
+    }
+    bool failed = false;
+    glist_internal::Record* record =
+        glist_internal::make_record(line, length ? static_cast<uint32_t>(length + 1) : 0, failed);
+    if (failed || !glist_internal::store_record(list, index, record)) {
+        std::free(record);
+        return false;
+    }
+    list->flags &= ~static_cast<uint32_t>(GLIST_SORTED);
+    return true;
+}
 
 } // namespace
 
@@ -44,8 +66,7 @@ int glist_load(glist handle, const char* path, char* message_out)
     }
     unsigned int count = 0;
     while (gfile_getline(file, line)) {
-        gparse_strptab(line);
-        if (!glist_putstr(handle, count, line)) {
+        if (!put_line(handle, count, line)) {
             std::sprintf(message_out, "Load incomplete: %s", path);
             std::fclose(file);
             std::free(line);

@@ -6,6 +6,7 @@
 
 #include <tql70/glist.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <vector>
 
@@ -72,12 +73,31 @@ struct GlistHeader {
     // search of `block_start`.
     std::vector<glist_internal::Block*> blocks;
     std::vector<uint32_t> block_start;
+    // Records per block while every block holds the same number (the
+    // block of a position is then a division), else 0.
+    uint32_t uniform_records;
 };
 
 namespace glist_internal {
 
+// The block holding position `index` (< length).
+inline size_t block_of(const GlistHeader* list, uint32_t index)
+{
+    if (list->uniform_records) {
+        return index / list->uniform_records;
+    }
+    const auto found = std::upper_bound(list->block_start.begin(), list->block_start.end(), index);
+    return static_cast<size_t>(found - list->block_start.begin()) - 1;
+}
 // The slot of position `index` (< length).
-Record** slot_at(GlistHeader* list, uint32_t index);
+inline Record** slot_at(GlistHeader* list, uint32_t index)
+{
+    const size_t block = block_of(list, index);
+    return &list->blocks[block]->slots[index - list->block_start[block]];
+}
+// Stores `record` at `index`, growing the list to index + 1 when needed
+// and releasing the record it replaces; false when the list cannot grow.
+bool store_record(GlistHeader* list, uint32_t index, Record* record);
 // Sets the length, appending empty slots or releasing records and blocks;
 // false when a block cannot be allocated.
 bool resize(GlistHeader* list, uint32_t length);

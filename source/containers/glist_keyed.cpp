@@ -17,8 +17,7 @@ class SlotCursor {
 public:
     SlotCursor(GlistHeader* list, uint32_t index) : list_(list)
     {
-        const auto found = std::upper_bound(list->block_start.begin(), list->block_start.end(), index);
-        block_ = static_cast<size_t>(found - list->block_start.begin()) - 1;
+        block_ = block_of(list, index);
         offset_ = index - list->block_start[block_];
     }
     Record*& operator*() const { return list_->blocks[block_]->slots[offset_]; }

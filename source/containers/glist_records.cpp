@@ -70,6 +70,7 @@ bool append_block(GlistHeader* list)
         delete block;
         return false;
     }
+    const uint32_t records = block->capacity + 1;
     try {
         list->block_start.push_back(list->length);
         list->blocks.push_back(block);
@@ -79,6 +80,9 @@ bool append_block(GlistHeader* list)
         delete block;
         return false;
     }
+    list->uniform_records = list->blocks.size() == 1 ? records
+        : list->uniform_records == records           ? records
+                                                     : 0;
     block->prev_link = list->tail_link;
     *list->tail_link = block;
     list->tail_link = &block->next;
@@ -125,11 +129,23 @@ void copy_text(char* destination, const char* source, size_t limit)
 
 namespace glist_internal {
 
-Record** slot_at(GlistHeader* list, uint32_t index)
+bool store_record(GlistHeader* list, uint32_t index, Record* record)
 {
-    const auto found = std::upper_bound(list->block_start.begin(), list->block_start.end(), index);
-    const size_t block = static_cast<size_t>(found - list->block_start.begin()) - 1;
-    return &list->blocks[block]->slots[index - list->block_start[block]];
+    Record** slot;
+    if (index == list->length && !list->blocks.empty() && list->blocks.back()->used <= list->blocks.back()->capacity) {
+        // Appending to a block with room: no search.
+        Block* last = list->blocks.back();
+        slot = &last->slots[last->used++];
+        ++list->length;
+    } else {
+        if (index >= list->length && !resize(list, index + 1)) {
+            return false;
+        }
+        slot = slot_at(list, index);
+    }
+    std::free(*slot);
+    *slot = record;
+    return true;
 }
 
 bool resize(GlistHeader* list, uint32_t length)
@@ -280,13 +296,10 @@ int glist_putrec(glist handle, unsigned int index, const void* data, unsigned in
     }
     bool failed = false;
     Record* record = make_record(data, size, failed);
-    if (failed || (index >= handle->length && !resize(handle, index + 1))) {
+    if (failed || !store_record(handle, index, record)) {
         std::free(record);
         return 0;
     }
-    Record** slot = slot_at(handle, index);
-    std::free(*slot);
-    *slot = record;
     handle->flags &= ~static_cast<uint32_t>(GLIST_SORTED);
     return 1;
 }

@@ -3,11 +3,14 @@
 // is reused) and retrieving a message by number.
 #include "messages/gmsg_internal.h"
 
+#include "containers/glist_internal.h"
+
 #include <tql70/gerror.h>
 #include <tql70/gfile.h>
 #include <tql70/gmem.h>
 #include <tql70/tql_os.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 #include <sys/stat.h>
@@ -26,7 +29,6 @@ enum {
     kEnvironmentFile = 13,
     kLoadFailed = 14,
     kSetNotFound = 15,
-    kListSize = 17,
     kNoSet = 18,
     kNotInitialised = 19,
     kBadNumber = 20,
@@ -56,6 +58,30 @@ bool file_exists(const std::string& name)
 void drop_list(glist list, int code)
 {
     gerror_set_error(glist_close(list) ? code : kCannotFree);
+}
+
+// memcpy through the C library: a copy of a length the compiler knows to
+// be at most a message's size gets inlined as a string instruction that
+// is several times slower for the short lengths of messages.
+__attribute__((noipa)) void copy_bytes(char* destination, const char* source, size_t count)
+{
+    std::memcpy(destination, source, count);
+}
+
+// Whether any message of the list holds the separator.
+bool holds_separator(glist list)
+{
+    const char* mark = separator();
+    if (!mark[0]) {
+        return false;
+    }
+    for (unsigned int i = 0; i < list->length; ++i) {
+        const glist_internal::Record* record = *glist_internal::slot_at(list, i);
+        if (record && std::strstr(record->bytes, mark)) {
+            return true;
+        }
+    }
+    return false;
 }
 
 bool load_set(GmsgCatalogue* handle, const char* set_name)
@@ -91,6 +117,7 @@ bool load_set(GmsgCatalogue* handle, const char* set_name)
         return false;
     }
     handle->messages = list;
+    handle->set_has_separator = holds_separator(list);
     return true;
 }
 
@@ -132,16 +159,64 @@ bool select_set(GmsgCatalogue* handle, const char* set_name)
     return true;
 }
 
-// Turns the first character of every separator in `text` into a newline.
-void break_lines(char* text)
+// Copies message `index` of the loaded set into `buffer` (at most
+// GMSG_MESSAGE_SIZE bytes) with every separator's first character turned
+// into a newline (looked for only when the set holds a separator); false
+// when there is no such message. The set's list was
+// made by gmsg itself: it has no hook, and each record is a line read by
+// glist_load, its text followed by one NUL.
+bool copy_message(glist list, unsigned int index, bool has_separator, char* buffer)
 {
-    const char* mark = separator();
-    if (!*mark) {
-        return;
+    if (!buffer || index >= list->length) {
+        return false;
     }
-    for (char* found = std::strstr(text, mark); found; found = std::strstr(found + 1, mark)) {
-        *found = '\n';
+    const glist_internal::Record* record = *glist_internal::slot_at(list, index);
+    if (!record) {
+        buffer[0] = '\0';
+        return true;
     }
+    // The record's bytes are the text and its NUL; a longer one than a
+    // message can be is cut.
+    if (record->size <= GMSG_MESSAGE_SIZE) {
+        copy_bytes(buffer, record->bytes, record->size);
+    } else {
+        copy_bytes(buffer, record->bytes, GMSG_MESSAGE_SIZE - 1);
+        buffer[GMSG_MESSAGE_SIZE - 1] = '\0';
+    }
+    if (has_separator) {
+        const char* mark = separator();
+        for (char* found = std::strstr(buffer, mark); found; found = std::strstr(found + 1, mark)) {
+            *found = '\n';
+        }
+    }
+    return true;
+}
+
+// Whether `number` is a message of `set_name`, the set loaded if need be;
+// GuiErrno 0 or the code of the failure.
+inline bool check_index(GmsgCatalogue* handle, const char* set_name, int number)
+{
+    GuiErrno = 0;
+    if (!handle || !handle->directory) {
+        GuiErrno = kNotInitialised;
+        return false;
+    }
+    if (number < 1) {
+        GuiErrno = kBadNumber;
+        return false;
+    }
+    if (!set_name) {
+        GuiErrno = kNoSet;
+        return false;
+    }
+    if (!select_set(handle, set_name)) {
+        return false;
+    }
+    if (static_cast<unsigned int>(number) > handle->messages->length) {
+        GuiErrno = kBadNumber;
+        return false;
+    }
+    return true;
 }
 
 } // namespace
@@ -202,45 +277,18 @@ GmsgHandle gmsg_open(const char* config_name, const char* prefix, const char* la
 
 int gmsg_check_index(GmsgHandle handle, const char* set_name, int number)
 {
-    gerror_set_error(0);
-    if (!handle || !handle->directory) {
-        gerror_set_error(kNotInitialised);
-        return 0;
-    }
-    if (number < 1) {
-        gerror_set_error(kBadNumber);
-        return 0;
-    }
-    if (!set_name) {
-        gerror_set_error(kNoSet);
-        return 0;
-    }
-    if (!select_set(handle, set_name)) {
-        return 0;
-    }
-    unsigned int count = 0;
-    if (!glist_query(handle->messages, GLIST_LENGTH, &count)) {
-        gerror_set_error(kListSize);
-        return 0;
-    }
-    if (static_cast<unsigned int>(number) > count) {
-        gerror_set_error(kBadNumber);
-        return 0;
-    }
-    return 1;
+    return check_index(handle, set_name, number) ? 1 : 0;
 }
 
 int gmsg_retrieve_message(GmsgHandle handle, const char* set_name, int number, char* buffer)
 {
-    gerror_set_error(0);
-    if (!gmsg_check_index(handle, set_name, number)) {
+    if (!check_index(handle, set_name, number)) {
         return 0;
     }
-    if (!buffer || !glist_getstr(handle->messages, static_cast<unsigned int>(number - 1), buffer)) {
-        gerror_set_error(kRetrieveFailed);
+    if (!copy_message(handle->messages, static_cast<unsigned int>(number - 1), handle->set_has_separator, buffer)) {
+        GuiErrno = kRetrieveFailed;
         return 0;
     }
-    break_lines(buffer);
     return 1;
 }
 

@@ -16,6 +16,7 @@ struct GmsgCatalogue {
     char* language;
     GuiEnv directory;
     glist messages;
+    bool set_has_separator; // whether a message of the loaded set holds one
 };
 
 namespace gmsg_internal {
