@@ -4,6 +4,7 @@
 // and their messages.
 #include <tql70/glist.h>
 
+#include "containers/glist_internal.h"
 #include "support/scoped_env.h"
 
 #include <gtest/gtest.h>
@@ -82,6 +83,29 @@ TEST(Glist, PositionalRecordsAndMoves)
     ASSERT_EQ(glist_putrec(guard.list, 0, "xyz", 3), 1);
     EXPECT_EQ(glist_getrec(guard.list, 0, record, sizeof record, &copied), 1);
     EXPECT_EQ(copied, 3u);
+}
+
+TEST(Glist, BlocksOfRecordSlots)
+{
+    ListGuard guard;
+    ASSERT_EQ(glist_setlength(guard.list, 61), 1);
+    EXPECT_EQ(guard.list->blocks.size(), 1u);
+    ASSERT_EQ(glist_setlength(guard.list, 62), 1);
+    EXPECT_EQ(guard.list->blocks.size(), 2u);
+    // Blocks of another size (100 bytes: 22 records) mixed with the first.
+    const unsigned small = 100;
+    ASSERT_EQ(glist_set(guard.list, GLIST_BLOCK_BYTES, &small), 1);
+    ASSERT_EQ(glist_putstr(guard.list, 144, "last"), 1);
+    EXPECT_EQ(guard.list->blocks.size(), 4u);
+    ASSERT_EQ(glist_putstr(guard.list, 122, "mid"), 1);
+    ASSERT_EQ(glist_move(guard.list, 100, 3), 1);
+    const std::vector<std::string> texts = contents(guard.list);
+    ASSERT_EQ(texts.size(), 148u);
+    EXPECT_EQ(texts[125], "mid");
+    EXPECT_EQ(texts[147], "last");
+    ASSERT_EQ(glist_setlength(guard.list, 0), 1);
+    EXPECT_TRUE(guard.list->blocks.empty());
+    EXPECT_EQ(guard.list->first_block, nullptr);
 }
 
 TEST(Glist, SortAndKeyedCalls)
