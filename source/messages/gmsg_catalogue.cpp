@@ -60,10 +60,16 @@ void drop_list(glist list, int code)
     gerror_set_error(glist_close(list) ? code : kCannotFree);
 }
 
+#if defined(__clang__)
+#define NOT_ANALYSED_ACROSS_CALLS __attribute__((noinline))
+#else
+#define NOT_ANALYSED_ACROSS_CALLS __attribute__((noipa))
+#endif
+
 // memcpy through the C library: a copy of a length the compiler knows to
 // be at most a message's size gets inlined as a string instruction that
 // is several times slower for the short lengths of messages.
-__attribute__((noipa)) void copy_bytes(char* destination, const char* source, size_t count)
+NOT_ANALYSED_ACROSS_CALLS void copy_bytes(char* destination, const char* source, size_t count)
 {
     std::memcpy(destination, source, count);
 }
