@@ -3,8 +3,9 @@
 // can give (at most 1023 characters, no TAB, CR or LF), the store count
 // must be the record count, and loading over a longer list must replace
 // only the first records. The input is then the message directory of a catalogue
-// (with one known set added whose file is the input again): every message
-// of that set and of the set the input's first line names is retrieved.
+// (its reference marks % and $ blanked out, and one known set added whose
+// file is the input again): every message of that set and of the set the
+// input's first line names is retrieved.
 #include <tql70/glist.h>
 #include <tql70/gmsg.h>
 
@@ -111,7 +112,16 @@ void retrieve_all(GmsgHandle handle, const std::string& set)
 
 void fuzz_catalogue(const std::string& root, const uint8_t* data, size_t size)
 {
-    write(root + "/directory.cfg", data, size, "\nFUZZSET=" + root + "/set\n");
+    // Variables of a configuration that refer to each other expand for
+    // ever, so the directory gets no reference marks.
+    std::string directory(reinterpret_cast<const char*>(data), size);
+    for (char& c : directory) {
+        if (c == '%' || c == '$') {
+            c = '_';
+        }
+    }
+    write(root + "/directory.cfg", reinterpret_cast<const uint8_t*>(directory.data()), directory.size(),
+          "\nFUZZSET=" + root + "/set\n");
     write(root + "/set.msg", data, size);
     GmsgHandle handle = gmsg_open("zqtarvex", nullptr, "ENGLISH");
     if (!handle) {
