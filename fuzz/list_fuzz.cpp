@@ -3,7 +3,7 @@
 // can give (at most 1023 characters, no TAB, CR or LF), the store count
 // must be the record count, and loading over a longer list must replace
 // only the first records. The input is then the message directory of a catalogue
-// (its reference marks % and $ blanked out, and one known set added whose
+// (its reference and include marks %, $ and + blanked out, and one known set added whose
 // file is the input again): every message of that set and of the set the
 // input's first line names is retrieved.
 #include <tql70/glist.h>
@@ -113,10 +113,11 @@ void retrieve_all(GmsgHandle handle, const std::string& set)
 void fuzz_catalogue(const std::string& root, const uint8_t* data, size_t size)
 {
     // Variables of a configuration that refer to each other expand for
-    // ever, so the directory gets no reference marks.
+    // ever, and a file that includes itself is read until the stack runs
+    // out, so the directory gets no reference marks and no include marks.
     std::string directory(reinterpret_cast<const char*>(data), size);
     for (char& c : directory) {
-        if (c == '%' || c == '$') {
+        if (c == '%' || c == '$' || c == '+') {
             c = '_';
         }
     }
