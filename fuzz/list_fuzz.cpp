@@ -2,10 +2,10 @@
 // input is loaded as a list file: every record must be a line the reader
 // can give (at most 1023 characters, no TAB, CR or LF), the store count
 // must be the record count, and loading over a longer list must replace
-// only the first records. The input is then the message directory of a catalogue
-// (its reference and include marks %, $ and + blanked out, and one known set added whose
-// file is the input again): every message of that set and of the set the
-// input's first line names is retrieved.
+// only the first records. The input is then the message directory of a
+// catalogue (its reference and include marks %, $ and + blanked out, and
+// one known set added whose file is the input again): every message of
+// that set and of the set the input's first line names is retrieved.
 #include <tql70/glist.h>
 #include <tql70/gmsg.h>
 
