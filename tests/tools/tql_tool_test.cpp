@@ -293,3 +293,42 @@ TEST(TqlTool, HashCommands)
         check(r);
     }
 }
+
+TEST(TqlTool, MessageAndProjectCommands)
+{
+    tql_test::TempDir dir;
+    const std::string root = dir.path() + "/root";
+    dir.write_file("root/config/zqtarvex.cfg", "ZQTARVEX_MSG_FILE=" + root + "/dir.cfg\nPROJECT_CFG_NAME=proj\n");
+    dir.write_file("root/dir.cfg", "SET=" + root + "/set\n");
+    dir.write_file("root/set", "first\nsecond\n");
+    tql_test::ScopedEnv zq_dir("ZQTARVEX_DIR", root);
+    tql_test::ScopedEnv home("HOME", dir.path() + "/home");
+    tql_test::ScopedEnv config_home("XDG_CONFIG_HOME", dir.path() + "/xdg");
+    tql_test::ScopedEnv language("ZQTARVEX_LANGUAGE", std::nullopt);
+    tql_test::ScopedCurrentDirectory cwd(dir.path());
+    const std::string p = dir.path() + "/p";
+    const std::string q = dir.path() + "/q";
+    struct Case {
+        std::string arguments;
+        int status;
+        std::string out;
+    } cases[] = {
+        {"msg SET 2", 0, "second\n"},
+        {"msg list SET", 0, "    1  first\n    2  second\n"},
+        {"msg SET 3", 1, "tql: message SET 3: Invalid message retrieval line number\n"},
+        {"msg NOSET 1", 1, "tql: message NOSET 1: Unable to find message set for message retrieval\n"},
+        {"prj new " + p, 0, ""},
+        {"prj new " + p, 1, "tql: cannot create " + p + ": Input project exists.\n"},
+        {"prj test " + p, 0, p + " is a project, version 1000\n"},
+        {"prj copy " + p + " " + q, 0, ""},
+        {"prj rm " + q, 0, ""},
+        {"prj test " + q, 1, "tql: " + q + " is not a project: Input project path does not exist.\n"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.arguments);
+        const ToolRun run = tql(c.arguments, true);
+        EXPECT_EQ(run.status, c.status);
+        EXPECT_EQ(run.out, c.out);
+    }
+    EXPECT_EQ(tql_test::read_file(p + "/proj.cfg"), "PROJECT_VERSION=1000\n");
+}

@@ -367,6 +367,10 @@ const std::vector<Command>& commands()
          run_crypt},
         {"hash", "tql hash dump|get|put|stat FILE [KEY [VALUE]]",
          "list, look up or add pairs of a hash database, or show its size", run_hash},
+        {"msg", "tql msg SET NUMBER [--lang L]",
+         "print a message of the catalogue by set and number; tql msg list SET prints the set", run_msg},
+        {"prj", "tql prj new|test|copy|rm|info DIR [DST]",
+         "create (--subdirs A;B --copy SRC,DST --overwrite), test, copy, remove or describe a project", run_prj},
     };
     return all;
 }

@@ -41,6 +41,10 @@ int run_grep(const Args& args);
 // tql hash (hash_commands.cpp).
 int run_hash(const Args& args);
 
+// tql msg (msg_commands.cpp) and tql prj (prj_commands.cpp).
+int run_msg(const Args& args);
+int run_prj(const Args& args);
+
 // Prints "tql: MESSAGE" and the command's usage to stderr; returns 2.
 int usage_error(const Command& command, const std::string& message);
 

@@ -1,0 +1,255 @@
+// glist_*: positional records across blocks, moves, the sort and keyed
+// calls in both orders, the query codes, and the file load and store with
+// their oddities (store count versus length, TABs, the 1023-character cut)
+// and their messages.
+#include <tql70/glist.h>
+
+#include "containers/glist_internal.h"
+#include "support/scoped_env.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+#include <sys/stat.h>
+#include <vector>
+
+using namespace tql_test;
+
+namespace {
+
+struct ListGuard {
+    glist list = nullptr;
+    explicit ListGuard(int flags = 0, const char* name = "test") { EXPECT_EQ(glist_create(&list, flags, name, "d"), 1); }
+    ~ListGuard() { glist_closeall(); }
+};
+
+void put_all(glist list, const std::vector<std::string>& texts)
+{
+    for (size_t i = 0; i < texts.size(); ++i) {
+        ASSERT_EQ(glist_putstr(list, static_cast<unsigned>(i), texts[i].c_str()), 1);
+    }
+}
+
+std::vector<std::string> contents(glist list)
+{
+    unsigned length = 0;
+    glist_query(list, GLIST_LENGTH, &length);
+    std::vector<std::string> texts;
+    std::vector<char> buffer(20000);
+    for (unsigned i = 0; i < length; ++i) {
+        EXPECT_EQ(glist_getstr(list, i, buffer.data()), 1);
+        texts.emplace_back(buffer.data());
+    }
+    return texts;
+}
+
+unsigned query(glist list, int code)
+{
+    unsigned value = 99;
+    glist_query(list, code, &value);
+    return value;
+}
+
+} // namespace
+
+TEST(Glist, PositionalRecordsAndMoves)
+{
+    ListGuard guard;
+    put_all(guard.list, {"a", "b", "c", "d"});
+    EXPECT_EQ(glist_move(guard.list, 2, -1), 1);
+    EXPECT_EQ(contents(guard.list), (std::vector<std::string>{"a", "c", "d"}));
+    EXPECT_EQ(glist_move(guard.list, 1, 2), 1);
+    EXPECT_EQ(contents(guard.list), (std::vector<std::string>{"a", "", "", "c", "d"}));
+    EXPECT_EQ(query(guard.list, GLIST_STORE_COUNT), 5u);
+    EXPECT_EQ(glist_move(guard.list, 1, -2), 0); // nothing before position 0
+    // Growing past one block (61 records) and shrinking back keeps every
+    // record at its place.
+    ASSERT_EQ(glist_putstr(guard.list, 200, "far"), 1);
+    EXPECT_EQ(query(guard.list, GLIST_LENGTH), 201u);
+    EXPECT_EQ(glist_move(guard.list, 150, -97), 1);
+    std::vector<std::string> texts = contents(guard.list);
+    ASSERT_EQ(texts.size(), 104u);
+    EXPECT_EQ(texts.back(), "far");
+    EXPECT_EQ(texts[3], "c");
+    EXPECT_EQ(texts[4], "d");
+    EXPECT_EQ(glist_setlength(guard.list, 2), 1);
+    EXPECT_EQ(contents(guard.list), (std::vector<std::string>{"a", ""}));
+    char out[8];
+    EXPECT_EQ(glist_getstr(guard.list, 2, out), 0);
+    // A record without a NUL reads back bounded by its own size.
+    unsigned copied = 0;
+    char record[16] = {};
+    ASSERT_EQ(glist_putrec(guard.list, 0, "xyz", 3), 1);
+    EXPECT_EQ(glist_getrec(guard.list, 0, record, sizeof record, &copied), 1);
+    EXPECT_EQ(copied, 3u);
+}
+
+TEST(Glist, BlocksOfRecordSlots)
+{
+    ListGuard guard;
+    ASSERT_EQ(glist_setlength(guard.list, 61), 1);
+    EXPECT_EQ(guard.list->blocks.size(), 1u);
+    ASSERT_EQ(glist_setlength(guard.list, 62), 1);
+    EXPECT_EQ(guard.list->blocks.size(), 2u);
+    // Blocks of another size (100 bytes: 22 records) mixed with the first.
+    const unsigned small = 100;
+    ASSERT_EQ(glist_set(guard.list, GLIST_BLOCK_BYTES, &small), 1);
+    ASSERT_EQ(glist_putstr(guard.list, 144, "last"), 1);
+    EXPECT_EQ(guard.list->blocks.size(), 4u);
+    ASSERT_EQ(glist_putstr(guard.list, 122, "mid"), 1);
+    ASSERT_EQ(glist_move(guard.list, 100, 3), 1);
+    const std::vector<std::string> texts = contents(guard.list);
+    ASSERT_EQ(texts.size(), 148u);
+    EXPECT_EQ(texts[125], "mid");
+    EXPECT_EQ(texts[147], "last");
+    ASSERT_EQ(glist_setlength(guard.list, 0), 1);
+    EXPECT_TRUE(guard.list->blocks.empty());
+    EXPECT_EQ(guard.list->first_block, nullptr);
+}
+
+TEST(Glist, SortAndKeyedCalls)
+{
+    struct Case {
+        const char* name;
+        int flags;
+        std::vector<std::string> input;
+        std::vector<std::string> inserts;
+        std::vector<std::string> expected;
+    } cases[] = {
+        {"ascending", 0, {"b", "a", "c"}, {"bb", "b"}, {"a", "b", "bb", "c"}},
+        {"descending", GLIST_DESCENDING, {"b", "a", "c"}, {"d"}, {"d", "c", "b", "a"}},
+        {"duplicates kept", GLIST_DUPLICATES, {"b", "a"}, {"b", "b"}, {"a", "b", "b", "b"}},
+        {"many equal", 0, std::vector<std::string>(300, "x"), {}, std::vector<std::string>(300, "x")},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        ListGuard guard(c.flags);
+        put_all(guard.list, c.input);
+        EXPECT_EQ(glist_putkeystr(guard.list, "z"), 0); // never sorted
+        EXPECT_EQ(glist_sort(guard.list, 1, 1), 0);
+        ASSERT_EQ(glist_sort(guard.list, 0, static_cast<unsigned>(c.input.size() - 1)), 1);
+        EXPECT_NE(glist_query(guard.list, GLIST_IS_SORTED, nullptr), 0);
+        for (const std::string& text : c.inserts) {
+            EXPECT_EQ(glist_putkeystr(guard.list, text.c_str()), 1);
+        }
+        EXPECT_EQ(contents(guard.list), c.expected);
+        char key[8] = "b";
+        unsigned index = 99, copied = 0;
+        const bool has_b = std::find(c.expected.begin(), c.expected.end(), "b") != c.expected.end();
+        EXPECT_EQ(glist_getkeyrec(guard.list, &index, key, sizeof key, &copied), has_b ? 1 : 0);
+        if (has_b) {
+            EXPECT_EQ(c.expected[index], "b");
+            EXPECT_EQ(copied, 2u);
+        }
+        ASSERT_EQ(glist_putstr(guard.list, 0, "q"), 1);
+        EXPECT_EQ(glist_query(guard.list, GLIST_IS_SORTED, nullptr), 0);
+    }
+}
+
+TEST(Glist, TableQueriesAndNullArguments)
+{
+    ListGuard guard(0x7ff, "longname123");
+    glist again = nullptr;
+    EXPECT_EQ(glist_open(&again, "longname"), 1); // names are cut to 8
+    EXPECT_EQ(again, guard.list);
+    EXPECT_EQ(glist_query(guard.list, GLIST_SHARED, nullptr), 1);
+    EXPECT_EQ(glist_close(again), 1);
+    EXPECT_EQ(glist_query(guard.list, GLIST_SHARED, nullptr), 0);
+    EXPECT_EQ(glist_query(guard.list, GLIST_HAS_A, nullptr), 1);
+    EXPECT_EQ(glist_query(guard.list, GLIST_HAS_C, nullptr), 0); // 0x004 is not kept by create
+    EXPECT_EQ(glist_set(guard.list, GLIST_HAS_C, nullptr), 1);
+    EXPECT_EQ(glist_query(guard.list, GLIST_HAS_C, nullptr), 4);
+    EXPECT_EQ(query(guard.list, GLIST_BLOCK_BYTES), 256u);
+    const std::string long_text(200, 'x');
+    EXPECT_EQ(glist_set(guard.list, GLIST_DESCRIPTION, long_text.c_str()), 1);
+    char description[GLIST_DESCRIPTION_SIZE];
+    EXPECT_EQ(glist_query(guard.list, GLIST_DESCRIPTION, description), 1);
+    EXPECT_EQ(std::string(description), long_text.substr(0, 128));
+    EXPECT_EQ(glist_query(guard.list, 30, description), 0);
+    EXPECT_EQ(query(nullptr, GLIST_LENGTH), 0u);
+    EXPECT_EQ(glist_query(nullptr, GLIST_VALID, nullptr), 0);
+    void *a = nullptr, *b = nullptr;
+    EXPECT_EQ(glist_remote_stfh(guard.list, &a, &b), 0);
+    int x = 0, y = 0;
+    EXPECT_EQ(glist_save_stfh(guard.list, &x, &y), 1);
+    EXPECT_EQ(glist_remote_stfh(guard.list, &a, &b), 1);
+    EXPECT_EQ(a, &x);
+    EXPECT_EQ(b, &y);
+    EXPECT_EQ(glist_remove_stfh(guard.list), 1);
+    EXPECT_EQ(glist_remove_stfh(guard.list), 0);
+    EXPECT_EQ(glist_create(nullptr, 0, "n", "d"), 0);
+    EXPECT_EQ(glist_putstr(guard.list, 0, nullptr), 0);
+    EXPECT_EQ(glist_close(nullptr), 0);
+}
+
+TEST(Glist, LoadFromOddFiles)
+{
+    TempDir dir;
+    const std::string ten_megabytes(10 * 1024 * 1024, 'y');
+    struct Case {
+        const char* name;
+        std::string content;
+        std::vector<std::string> expected;
+    } cases[] = {
+        {"empty line kept, no final end", "a\n\nb", {"a", "", "b"}},
+        {"TABs become blanks, CRLF ends", "x\ty\r\nz\r\n", {"x y", "z"}},
+        {"CR-only ends cut the line", "one\rtwo\rthree\n", {"one"}},
+        {"NUL ends the text of a line", std::string("ab\0cd\nef\n", 9), {"ab", "ef"}},
+        {"1023-character cut", std::string(1500, 'k') + "\nend\n", {std::string(1023, 'k'), "end"}},
+        {"10 MB line", ten_megabytes + "\nlast", {std::string(1023, 'y'), "last"}},
+        {"Ctrl-Z ends the file", "a\n\x1azz\nb\n", {"a"}},
+        {"binary bytes", "\x01\xff\x80\n", {"\x01\xff\x80"}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        ListGuard guard;
+        char message[512] = "";
+        const std::string path = dir.write_file("in.txt", c.content);
+        ASSERT_EQ(glist_load(guard.list, path.c_str(), message), 1) << message;
+        EXPECT_EQ(contents(guard.list), c.expected);
+        EXPECT_EQ(query(guard.list, GLIST_STORE_COUNT), c.expected.size());
+    }
+}
+
+TEST(Glist, StoreAndMessages)
+{
+    TempDir dir;
+    const std::string path = dir.path() + "/out.txt";
+    ListGuard guard;
+    put_all(guard.list, {"a\tb", "", "c"});
+    char message[512] = "";
+    ASSERT_EQ(glist_store(guard.list, path.c_str(), message), 1);
+    EXPECT_EQ(read_file(path), ""); // the store count is still 0
+    const unsigned three = 3;
+    ASSERT_EQ(glist_set(guard.list, GLIST_STORE_COUNT, &three), 1);
+    ::chmod(path.c_str(), 0640);
+    ASSERT_EQ(glist_store(guard.list, path.c_str(), message), 1);
+    EXPECT_EQ(read_file(path), "a\tb\n\nc\n");
+    struct stat status;
+    ASSERT_EQ(::stat(path.c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 0777, 0640u);
+    ASSERT_EQ(glist_load(guard.list, path.c_str(), message), 1);
+    EXPECT_EQ(contents(guard.list)[0], "a b");
+
+    struct Case {
+        const char* name;
+        glist list;
+        std::string path;
+        int (*call)(glist, const char*, char*);
+        std::string expected;
+    } cases[] = {
+        {"load, null list", nullptr, "f", glist_load, "<GLIST_LOAD> (0) not open: f"},
+        {"store, null list", nullptr, "f", glist_store, "<GLIST_STORE> (0) not open: f"},
+        {"missing file", guard.list, dir.path() + "/none", glist_load, "Not found: " + dir.path() + "/none"},
+        {"missing directory", guard.list, dir.path() + "/no/x", glist_store, "Cannot create: " + dir.path() + "/no/x"},
+        {"target is a directory", guard.list, dir.path(), glist_store, "Write error: " + dir.path()},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        char text[512] = "";
+        EXPECT_EQ(c.call(c.list, c.path.c_str(), text), 0);
+        EXPECT_EQ(std::string(text), c.expected);
+    }
+    EXPECT_EQ(read_file(path), "a\tb\n\nc\n"); // untouched by the failures
+}
