@@ -34,6 +34,15 @@ typedef struct GuiEnvStruct* GuiEnv;
 #define GUI_ENV_ERR_NO_SYSVAR 3
 #define GUI_ENV_ERR_NO_VAR 4
 #define GUI_ENV_ERR_WRITE 5
+/* This library's additions: a file that exists but cannot be read (no read
+ * permission, a directory, a FIFO or another file that is not regular); an
+ * include that would read a file already being read, named as the chain
+ * "a.cfg -> b.cfg -> a.cfg"; an include nested deeper than 64 files, named
+ * by the file refused. Each include is skipped; the callback's result and
+ * replacement are not used. */
+#define GUI_ENV_ERR_READ 6
+#define GUI_ENV_ERR_INCLUDE_CYCLE 7
+#define GUI_ENV_ERR_INCLUDE_DEPTH 8
 
 /* Variable names are cut to this many characters. */
 #define GUI_ENV_NAME_MAX 63
