@@ -213,8 +213,10 @@ void read_config_file(GuiEnv env, const std::string& path, int level, bool inclu
             handle_include(env, line.substr(1), level);
             continue;
         }
+        // A name holding a NUL byte would be cut short: such a line defines
+        // nothing.
         const size_t equals = line.find('=');
-        if (equals != std::string::npos) {
+        if (equals != std::string::npos && line.find('\0') > equals) {
             handle_variable(env, source, number, line, equals, level, included, addon);
         }
     }

@@ -83,7 +83,9 @@ bool rewrite(FILE* in, FILE* out, GuiEnv env, int level_number)
         const std::string line = content.substr(start, end - start);
         start = end;
         const size_t equals = line.find('=');
-        if (line.size() < 2 || line[0] == '#' || equals == std::string::npos) {
+        // Lines that define nothing (a NUL byte in the name among them)
+        // are copied as they are.
+        if (line.size() < 2 || line[0] == '#' || equals == std::string::npos || line.find('\0') < equals) {
             ok = std::fwrite(line.data(), 1, line.size(), out) == line.size();
             continue;
         }
