@@ -86,7 +86,10 @@ bool rewrite(FILE* in, FILE* out, GuiEnv env, int level_number)
         // Lines that define nothing (a NUL byte in the name among them)
         // are copied as they are.
         if (line.size() < 2 || line[0] == '#' || equals == std::string::npos || line.find('\0') < equals) {
-            ok = std::fwrite(line.data(), 1, line.size(), out) == line.size();
+            // A last line without its line feed gets one, so that a new
+            // entry appended after it starts a line of its own.
+            ok = std::fwrite(line.data(), 1, line.size(), out) == line.size() &&
+                 (line.back() == '\n' || std::fputc('\n', out) != EOF);
             continue;
         }
         char upper[GUI_ENV_NAME_MAX + 1];
