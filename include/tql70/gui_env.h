@@ -134,8 +134,10 @@ TQL70_API GuiEnv gui_env_open(const char* name, int level);
  * level was written back or nothing needed writing; a null env gives 1.
  * Closing the default environment makes the next default-environment call
  * build a new one. A level is rewritten through a temporary file beside it
- * that replaces it in one step: a failed write leaves the file as it was
- * and tells the error callback (GUI_ENV_ERR_WRITE). */
+ * that replaces it in one step, under an advisory lock, from the file as it
+ * is then: a failed write, or a file that cannot be read or written or is
+ * not a regular file, leaves the file as it was and tells the error
+ * callback (GUI_ENV_ERR_WRITE, with the native path). */
 TQL70_API int gui_env_close(GuiEnv env, int save);
 
 /* Closes every open environment, the default one last. 1 when all closes

@@ -48,6 +48,26 @@ int permission_problem(const std::string& native, const struct stat& st, int wan
     return ::faccessat(AT_FDCWD, native.c_str(), wanted, AT_EACCESS) == 0 ? 0 : errno;
 }
 
+const char kTemporaryPrefix[] = ".tql70-";
+
+// Removes the temporaries of saves killed before they were linked in:
+// ".tql70-" and six characters. Called under the save lock, so none of
+// them belongs to a save in progress.
+void remove_stale_temporaries(const std::string& directory)
+{
+    DirectoryStream* stream = open_directory(directory);
+    if (!stream) {
+        return;
+    }
+    std::string name;
+    while (next_directory_entry(stream, name)) {
+        if (name.size() == sizeof kTemporaryPrefix - 1 + 6 && name.compare(0, 7, kTemporaryPrefix) == 0) {
+            ::unlink((directory + "/" + name).c_str());
+        }
+    }
+    close_directory(stream);
+}
+
 int kind_problem(const struct stat& st)
 {
     if (S_ISREG(st.st_mode)) {
@@ -140,8 +160,20 @@ ConfigSave::ConfigSave(const char* target) : target_(real_target(native_path(tar
         fail(errno);
         return;
     }
-    // Unnamed: a save killed now leaves nothing behind.
-    const int out = ::open(directory.c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, 0666);
+    // Unnamed: a save killed now leaves nothing behind. A file system
+    // without unnamed files gets a named one; the temporaries such saves
+    // leave when killed are removed by the next save there, under the lock.
+    int out = ::open(directory.c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, 0666);
+    if (out < 0 && (errno == EOPNOTSUPP || errno == EISDIR || errno == EINVAL)) {
+        remove_stale_temporaries(directory);
+        do {
+            named_ = unique_temporary_name(directory, kTemporaryPrefix);
+            out = ::open(named_.c_str(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, 0666);
+        } while (out < 0 && errno == EEXIST);
+        if (out < 0) {
+            named_.clear();
+        }
+    }
     if (out < 0) {
         fail(errno);
         return;
@@ -164,6 +196,9 @@ ConfigSave::~ConfigSave()
     if (output_) {
         std::fclose(output_);
     }
+    if (!named_.empty()) {
+        ::unlink(named_.c_str()); // not committed
+    }
     if (lock_fd_ >= 0) {
         ::close(lock_fd_); // releases the lock
     }
@@ -185,13 +220,21 @@ bool ConfigSave::commit()
         fail(errno);
         return false;
     }
+    if (!named_.empty()) {
+        if (::rename(named_.c_str(), target_.c_str()) != 0) {
+            fail(errno);
+            return false;
+        }
+        named_.clear();
+        return true;
+    }
     // Linked in under a fresh name, then renamed over the target in one
     // step: the only moment a name exists is between these two calls.
     const std::string proc = "/proc/self/fd/" + std::to_string(fileno(output_));
     std::string temporary;
     int linked;
     do {
-        temporary = unique_temporary_name(directory_of(target_), ".tql70-");
+        temporary = unique_temporary_name(directory_of(target_), kTemporaryPrefix);
         linked = ::linkat(AT_FDCWD, proc.c_str(), AT_FDCWD, temporary.c_str(), AT_SYMLINK_FOLLOW);
     } while (linked != 0 && errno == EEXIST);
     if (linked != 0) {

@@ -159,6 +159,7 @@ private:
     int lock_fd_ = -1;
     FILE* current_ = nullptr;
     FILE* output_ = nullptr;
+    std::string named_; // the temporary, where the file system has no unnamed files
     int error_ = 0;
 };
 
