@@ -79,19 +79,6 @@ bool is_being_read(const ConfigFile& file)
     return false;
 }
 
-// The whole content of `file`, which is closed; false on a read error.
-bool read_all(FILE* file, std::string& content)
-{
-    char chunk[65536];
-    size_t n;
-    while ((n = std::fread(chunk, 1, sizeof chunk, file)) > 0) {
-        content.append(chunk, n);
-    }
-    const bool ok = !std::ferror(file);
-    std::fclose(file);
-    return ok;
-}
-
 // The file an include line names, by the rules of the level it is read
 // into. Names that start with a separator are used as they are (either
 // separator: the library accepts both).
@@ -190,7 +177,9 @@ void read_config_file(GuiEnv env, const std::string& path, int level, bool inclu
         return;
     }
     std::string content;
-    if (!read_all(file.stream, content)) {
+    const bool read = read_whole_file(file.stream, content);
+    std::fclose(file.stream);
+    if (!read) {
         report_file_failure(env, GUI_ENV_ERR_READ, native, EIO);
         return;
     }

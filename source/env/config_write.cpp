@@ -52,17 +52,6 @@ std::string value_of(const GuiEnvEntry& entry)
     return entry.value ? entry.value : "";
 }
 
-// The whole content of `file`; false on a read error.
-bool read_all(FILE* file, std::string& content)
-{
-    char chunk[65536];
-    size_t n;
-    while ((n = std::fread(chunk, 1, sizeof chunk, file)) > 0) {
-        content.append(chunk, n);
-    }
-    return !std::ferror(file);
-}
-
 // The rewritten text of the file as it is now: comment and other lines as
 // they are, variable lines of this level updated or dropped, new entries
 // last. A changed name updates every line that defines it, so reading the
@@ -72,7 +61,7 @@ bool rewrite(FILE* in, FILE* out, GuiEnv env, int level_number)
 {
     GuiEnvLevel& level = env->levels[tql::env::storage_index(level_number)];
     std::string content;
-    if (!read_all(in, content)) {
+    if (!tql::env::read_whole_file(in, content)) {
         return false;
     }
     std::set<const GuiEnvEntry*> written;
