@@ -1,6 +1,6 @@
 // Fuzz target for variable expansion. The input's lines up to the first
-// empty one are NAME=value definitions of a small environment (cycles
-// welcome); the first byte after it chooses the output size and whether
+// empty one are NAME=value definitions of a small environment (at most
+// four; cycles welcome); the first byte after it chooses the output size and whether
 // the error callback supplies a replacement; the rest is the text. Every
 // expansion must end, fit what it reports and give the same answer twice.
 #include <tql70/gui_env.h>
@@ -54,6 +54,11 @@ extern "C" int LLVMFuzzerInitialize(int*, char***)
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
+    // Small inputs only: without cycles, values that each use the next one
+    // many times grow exponentially, which is correct but slow.
+    if (size > 512) {
+        return 0;
+    }
     const std::string input(reinterpret_cast<const char*>(data), size);
     const size_t blank = input.find("\n\n");
     if (blank == std::string::npos || blank + 2 >= input.size()) {
@@ -61,7 +66,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     }
     GuiEnv env = gui_env_open("fuzz", 99);
     size_t start = 0;
-    for (int count = 0; start < blank && count < 8; ++count) {
+    for (int count = 0; start < blank && count < 4; ++count) {
         size_t end = input.find('\n', start);
         const std::string line = input.substr(start, end - start);
         start = end + 1;
