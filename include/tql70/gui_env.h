@@ -34,6 +34,15 @@ typedef struct GuiEnvStruct* GuiEnv;
 #define GUI_ENV_ERR_NO_SYSVAR 3
 #define GUI_ENV_ERR_NO_VAR 4
 #define GUI_ENV_ERR_WRITE 5
+/* This library's additions: a file that exists but cannot be read (no read
+ * permission, a directory, a FIFO or another file that is not regular); an
+ * include that would read a file already being read, named as the chain
+ * "a.cfg -> b.cfg -> a.cfg"; an include nested deeper than 64 files, named
+ * by the file refused. Each include is skipped; the callback's result and
+ * replacement are not used. */
+#define GUI_ENV_ERR_READ 6
+#define GUI_ENV_ERR_INCLUDE_CYCLE 7
+#define GUI_ENV_ERR_INCLUDE_DEPTH 8
 
 /* Variable names are cut to this many characters. */
 #define GUI_ENV_NAME_MAX 63
@@ -125,8 +134,10 @@ TQL70_API GuiEnv gui_env_open(const char* name, int level);
  * level was written back or nothing needed writing; a null env gives 1.
  * Closing the default environment makes the next default-environment call
  * build a new one. A level is rewritten through a temporary file beside it
- * that replaces it in one step: a failed write leaves the file as it was
- * and tells the error callback (GUI_ENV_ERR_WRITE). */
+ * that replaces it in one step, under an advisory lock, from the file as it
+ * is then: a failed write, or a file that cannot be read or written or is
+ * not a regular file, leaves the file as it was and tells the error
+ * callback (GUI_ENV_ERR_WRITE, with the native path). */
 TQL70_API int gui_env_close(GuiEnv env, int save);
 
 /* Closes every open environment, the default one last. 1 when all closes

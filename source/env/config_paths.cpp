@@ -39,7 +39,7 @@ void read_custom_directory_once()
     }
     custom_directory_read = true;
     const char* value = tql_getenv("KPS_CUSTOM_DIR");
-    custom_directory = value ? std::string(value).substr(0, 1023) : std::string();
+    custom_directory = value ? value : "";
 }
 
 std::string root_directory()

@@ -6,31 +6,17 @@
 #include "platform/platform.h"
 
 #include <cctype>
+#include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <set>
 #include <string>
+#include <vector>
 
 namespace {
 
 using tql::env::skip_leading;
 using tql::env::trim_trailing;
-
-// Reads one line, whatever its length, without its line feed; false at
-// the end of the file.
-bool read_whole_line(FILE* file, std::string& line)
-{
-    line.clear();
-    char chunk[2048];
-    while (std::fgets(chunk, sizeof chunk, file)) {
-        line += chunk;
-        if (!line.empty() && line.back() == '\n') {
-            line.pop_back();
-            return true;
-        }
-    }
-    return !line.empty();
-}
 
 bool starts_with_separator(const std::string& name)
 {
@@ -43,11 +29,54 @@ bool has_drive(const std::string& name)
            (name[2] == '\\' || name[2] == '/');
 }
 
+// The expansion of `text`, in a buffer grown to whatever it needs.
 std::string expand_in(GuiEnv env, const std::string& text, bool& ok)
 {
-    char buffer[1024];
-    ok = gui_env_expand_str(buffer, text.c_str(), sizeof buffer, env, static_cast<GuiEnv>(nullptr)) == 0;
-    return ok ? std::string(buffer) : text;
+    std::vector<char> buffer(1024);
+    int result;
+    while ((result = gui_env_expand_str(buffer.data(), text.c_str(), static_cast<int>(buffer.size()), env,
+                                        static_cast<GuiEnv>(nullptr))) > 0) {
+        buffer.resize(static_cast<size_t>(result));
+    }
+    ok = result == 0;
+    return ok ? std::string(buffer.data()) : text;
+}
+
+// A file being read, with the files that include it below it on the stack.
+struct Reading {
+    unsigned long long device;
+    unsigned long long inode;
+    std::string native;
+};
+std::vector<Reading> reading_stack;
+
+bool is_missing(int error)
+{
+    return error == ENOENT || error == ENOTDIR;
+}
+
+// The include chain from the earlier reading of `file` to `file` again.
+std::string cycle_text(const ConfigFile& file, const std::string& native)
+{
+    std::string chain;
+    bool on = false;
+    for (const Reading& r : reading_stack) {
+        on = on || (r.device == file.device && r.inode == file.inode);
+        if (on) {
+            chain += r.native + " -> ";
+        }
+    }
+    return chain + native;
+}
+
+bool is_being_read(const ConfigFile& file)
+{
+    for (const Reading& r : reading_stack) {
+        if (r.device == file.device && r.inode == file.inode) {
+            return true;
+        }
+    }
+    return false;
 }
 
 // The file an include line names, by the rules of the level it is read
@@ -86,8 +115,8 @@ void handle_include(GuiEnv env, const std::string& rest, int level)
     }
 }
 
-void handle_variable(GuiEnv env, const char* source, const std::string& line, size_t equals, int level,
-                     bool included, bool addon)
+void handle_variable(GuiEnv env, const char* source, int line_number, const std::string& line, size_t equals,
+                     int level, bool included, bool addon)
 {
     std::string name = line.substr(0, equals);
     trim_trailing(name);
@@ -99,6 +128,7 @@ void handle_variable(GuiEnv env, const char* source, const std::string& line, si
     if (GuiEnvEntry* entry = tql::env::put_entry(env, name.c_str(), value.c_str(), level,
                                                  included ? ENV_INCLUDED : ENV_CLEAN)) {
         entry->source = source;
+        entry->line = line_number;
     }
 }
 
@@ -116,24 +146,54 @@ void read_config_file(GuiEnv env, const std::string& path, int level, bool inclu
 {
     GuiEnvLevel& target = env->levels[storage_index(level)];
     if (!included) {
-        std::snprintf(target.file_name, sizeof target.file_name, "%s", path.c_str());
+        target.file_name = path;
+    }
+    if (reading_stack.size() >= static_cast<size_t>(kMaxIncludeDepth)) {
+        report_file_failure(env, GUI_ENV_ERR_INCLUDE_DEPTH, native_path(path.c_str()), 0);
+        return;
     }
     std::string opened = path;
-    FILE* file = fopen_utf8(opened.c_str(), "r");
-    while (!file && included) {
+    ConfigFile file = open_config_file(opened.c_str());
+    while (!file.stream && included && is_missing(file.error)) {
         char* replacement = nullptr;
         if (!gui_env_apply_env_error(GUI_ENV_ERR_NO_FILE, env, opened.c_str(), &replacement) || !replacement) {
             return;
         }
         opened = replacement;
-        file = fopen_utf8(opened.c_str(), "r");
+        file = open_config_file(opened.c_str());
     }
-    if (!file) {
-        return; // a level's own file may be absent
+    const std::string native = native_path(opened.c_str());
+    if (!file.stream) {
+        // A level's own file may be absent; a file that exists but cannot
+        // be read is always reported.
+        if (!is_missing(file.error)) {
+            report_file_failure(env, GUI_ENV_ERR_READ, native, file.error);
+        }
+        return;
     }
+    if (is_being_read(file)) {
+        std::fclose(file.stream);
+        report_file_failure(env, GUI_ENV_ERR_INCLUDE_CYCLE, cycle_text(file, native), 0);
+        return;
+    }
+    std::string content;
+    const bool read = read_whole_file(file.stream, content);
+    std::fclose(file.stream);
+    if (!read) {
+        report_file_failure(env, GUI_ENV_ERR_READ, native, EIO);
+        return;
+    }
+    reading_stack.push_back({file.device, file.inode, native});
     const char* source = remembered_file_name(opened);
-    std::string line;
-    while (read_whole_line(file, line)) {
+    // Lines end only at a line feed: a NUL byte is data of its line.
+    size_t start = 0;
+    for (int number = 1; start < content.size(); ++number) {
+        size_t end = content.find('\n', start);
+        if (end == std::string::npos) {
+            end = content.size();
+        }
+        std::string line = content.substr(start, end - start);
+        start = end + 1;
         trim_trailing(line);
         if (line.size() < 2 || line[0] == '#' || line.compare(0, 2, "//") == 0) {
             continue;
@@ -142,12 +202,14 @@ void read_config_file(GuiEnv env, const std::string& path, int level, bool inclu
             handle_include(env, line.substr(1), level);
             continue;
         }
+        // A name holding a NUL byte would be cut short: such a line defines
+        // nothing.
         const size_t equals = line.find('=');
-        if (equals != std::string::npos) {
-            handle_variable(env, source, line, equals, level, included, addon);
+        if (equals != std::string::npos && line.find('\0') > equals) {
+            handle_variable(env, source, number, line, equals, level, included, addon);
         }
     }
-    std::fclose(file);
+    reading_stack.pop_back();
 }
 
 void load_environment(GuiEnv env, const char* name, int level)

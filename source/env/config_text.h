@@ -1,9 +1,11 @@
-// White space in configuration lines, shared by the reader and the writer:
-// bytes below 128 only (bytes of 128 and above are never space).
+// Configuration text as the reader and the writer both see it: white space
+// is bytes below 128 only (bytes of 128 and above are never space), and a
+// file is taken whole, NUL bytes included.
 #ifndef TQL70_SOURCE_ENV_CONFIG_TEXT_H
 #define TQL70_SOURCE_ENV_CONFIG_TEXT_H
 
 #include <cctype>
+#include <cstdio>
 #include <string>
 
 namespace tql::env {
@@ -28,6 +30,17 @@ inline size_t skip_leading(const std::string& text, size_t from = 0)
         ++from;
     }
     return from;
+}
+
+// Appends the rest of `file` to `content`; false on a read error.
+inline bool read_whole_file(FILE* file, std::string& content)
+{
+    char chunk[65536];
+    size_t n;
+    while ((n = std::fread(chunk, 1, sizeof chunk, file)) > 0) {
+        content.append(chunk, n);
+    }
+    return !std::ferror(file);
 }
 
 } // namespace tql::env

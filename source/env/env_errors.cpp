@@ -2,12 +2,15 @@
 // configuration name of an environment.
 #include "env/env_store.h"
 
+#include "platform/platform.h"
+
 #include <cstring>
 #include <string>
 
 namespace {
 
 GuiEnvErrorFn error_callback = nullptr;
+tql::env::FileFailure last_failure;
 
 // The configuration name of `env`: the file name of its most specific level
 // that has one, without its directory, without one leading '.', and
@@ -19,7 +22,7 @@ std::string configuration_name(GuiEnv env)
         return std::string();
     }
     for (int level = GUI_ENV_LOCAL; level <= GUI_ENV_SITE; ++level) {
-        const char* file = env->levels[tql::env::storage_index(level)].file_name;
+        const char* file = env->levels[tql::env::storage_index(level)].file_name.c_str();
         if (!*file) {
             continue;
         }
@@ -38,6 +41,22 @@ std::string configuration_name(GuiEnv env)
 }
 
 } // namespace
+
+namespace tql::env {
+
+const FileFailure& last_file_failure()
+{
+    return last_failure;
+}
+
+int report_file_failure(GuiEnv env, int code, const std::string& native, int error)
+{
+    last_failure = {native, error ? file_failure_reason(error) : std::string()};
+    char* ignored = nullptr;
+    return gui_env_apply_env_error(code, env, native.c_str(), &ignored);
+}
+
+} // namespace tql::env
 
 extern "C" {
 

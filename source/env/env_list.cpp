@@ -178,7 +178,7 @@ int gui_chdir(const char* directory, int save)
     }
     for (GuiEnv env = first_environment; env; env = env->next) {
         GuiEnvLevel& local = env->levels[storage_index(GUI_ENV_LOCAL)];
-        if (local.file_name[0]) {
+        if (!local.file_name.empty()) {
             const std::string file = local.file_name;
             read_config_file(env, file, GUI_ENV_LOCAL, false, false);
         }

@@ -21,12 +21,13 @@ struct GuiEnvEntry {
     void* user;                      // caller's pointer, never freed
     int32_t state;                   // ENV_CLEAN, ENV_MODIFIED, ENV_DELETED, ENV_INCLUDED
     const char* source;              // the file the value was read from, or null
+    int line;                        // its line in that file (from 1); 0 when not read from a file
 };
 
 // One level: the file it was last loaded from (and is written back to) and
 // its table of entries, which grows by 32 slots and never shrinks.
 struct GuiEnvLevel {
-    char file_name[512];
+    std::string file_name; // library form, any length; empty: none
     GuiEnvEntry* entries; // gmem_ee_calloc / gmem_ee_realloc
     int capacity;
     int count;
@@ -79,6 +80,18 @@ GuiEnv default_environment();
 
 // ---- configuration files ----
 
+// The last file failure told to the error callback: the native path (or
+// include chain) and the system's reason ("" for include cycles and depth).
+struct FileFailure {
+    std::string path;
+    std::string reason;
+};
+const FileFailure& last_file_failure();
+// Records a failure with `native` (a path or an include chain) and the
+// errno value `error` (0: none), then tells the error callback (`code`).
+// Answers the callback's result.
+int report_file_failure(GuiEnv env, int code, const std::string& native, int error);
+
 // The default configuration name.
 constexpr const char* kDefaultConfiguration = "zqtarvex";
 
@@ -98,6 +111,8 @@ const char* remembered_file_name(const std::string& path);
 void load_environment(GuiEnv env, const char* name, int level);
 // Reads one file into `level` (1..4); includes are followed.
 void read_config_file(GuiEnv env, const std::string& path, int level, bool included, bool addon);
+// Includes nest at most this deep; a deeper one is refused like a cycle.
+constexpr int kMaxIncludeDepth = 64;
 // Writes a level back to its file; true when nothing needed writing or the
 // write succeeded.
 bool write_level(GuiEnv env, int level);
@@ -110,6 +125,15 @@ int expand_with_list(char* destination, const char* source, int size, GuiEnv env
 // ':', except that the ':' of a drive ("C:" or "C:/") belongs to the
 // element. Returns the offset of the separator, or the length of `text`.
 size_t path_element_length(const char* text);
+
+// A reference met in a text: its kind ('%' or '$') and its name, upper
+// case, as expansion reads it.
+struct Reference {
+    char kind;
+    std::string name;
+};
+// Every reference in `text`, in order, without resolving any.
+std::vector<Reference> references_in(const char* text);
 
 } // namespace tql::env
 

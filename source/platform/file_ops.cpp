@@ -7,7 +7,6 @@
 #include <QString>
 
 #include <cerrno>
-#include <climits>
 #include <algorithm>
 #include <cstdlib>
 #include <cstdio>
@@ -85,46 +84,6 @@ KernelCopy kernel_copy(FILE* in, FILE* out, unsigned long long bytes)
         copied += static_cast<unsigned long long>(n);
     }
     return KernelCopy::kDone;
-}
-
-namespace {
-
-// The file a native name leads to, through symbolic links; the name itself
-// when it does not exist yet.
-std::string real_target(const std::string& native)
-{
-    char resolved[PATH_MAX];
-    return ::realpath(native.c_str(), resolved) ? std::string(resolved) : native;
-}
-
-} // namespace
-
-std::string temporary_name_beside(const char* name)
-{
-    const std::string target = real_target(native_path(name));
-    const size_t slash = target.rfind('/');
-    return unique_temporary_name(slash == std::string::npos ? std::string(".") : target.substr(0, slash + 1),
-                                 ".tql70-");
-}
-
-FILE* fopen_native(const std::string& native, const char* mode)
-{
-    return std::fopen(native.c_str(), mode);
-}
-
-bool replace_file(const std::string& replacement, const char* target)
-{
-    const std::string real = real_target(native_path(target));
-    struct stat st;
-    if (::stat(real.c_str(), &st) == 0) {
-        ::chmod(replacement.c_str(), st.st_mode & 07777);
-    }
-    return ::rename(replacement.c_str(), real.c_str()) == 0;
-}
-
-bool flush_to_disk(FILE* file)
-{
-    return std::fflush(file) == 0 && ::fsync(fileno(file)) == 0;
 }
 
 bool buffered_input(FILE* file, const char** data, size_t* count)

@@ -98,18 +98,6 @@ int change_mode(const std::string& native, int mode);
 enum class KernelCopy { kDone, kUnsupported, kShort, kFailed };
 KernelCopy kernel_copy(FILE* in, FILE* out, unsigned long long bytes);
 
-// A name for a new temporary file in the directory of the library-form
-// `name` (symbolic links to the file resolved), native.
-std::string temporary_name_beside(const char* name);
-// fopen of a native name.
-FILE* fopen_native(const std::string& native, const char* mode);
-// Replaces the library-form `target` (through symbolic links) by the native
-// file `replacement` in one step (rename(2)), giving the
-// replacement the permission bits of `target`; false when it cannot (the
-// target is then untouched).
-bool replace_file(const std::string& replacement, const char* target);
-// Writes everything buffered for `file` to its disk (fflush + fsync).
-bool flush_to_disk(FILE* file);
 // The bytes the stream has buffered for reading (refilled from the file
 // when none are left), for readers that scan them in place; false at the
 // end of the file or on an error.
@@ -231,6 +219,64 @@ bool page_file_sync(int fd);
 int page_file_close(int fd);
 // unlink(2) of a native name.
 int page_file_remove(const std::string& native);
+
+
+// ---- configuration files (names in library form) -----------------------
+
+// An error number of ours for a file that exists but is neither regular
+// nor a directory (a FIFO, a device, a socket).
+constexpr int kNotRegularFile = -1;
+// The system's reason for an error number (strerror), or ours.
+std::string file_failure_reason(int error);
+
+// A configuration file opened for reading: only a regular file the caller
+// may read, opened without blocking. On failure `stream` is null and
+// `error` says why (ENOENT when it does not exist, EACCES, EISDIR,
+// kNotRegularFile...). The superuser is refused a file with no read bit.
+struct ConfigFile {
+    FILE* stream = nullptr;
+    int error = 0;
+    unsigned long long device = 0; // identity of the file opened
+    unsigned long long inode = 0;
+};
+ConfigFile open_config_file(const char* name);
+// What open_config_file would fail with for `name`, without opening it;
+// 0 when it would succeed.
+int config_file_problem(const char* name);
+
+// One save of a configuration file (through symbolic links to the file
+// they name). Construction takes an advisory lock on the file's folder,
+// held until destruction, so saves of cooperating processes never
+// overlap; it opens the target as it is now for reading (`current`, null
+// when it does not exist yet) and an unnamed temporary file beside it
+// (`output`). `commit` links the complete output in over the target in one
+// step, keeping the target's permission bits. A target that cannot be read
+// or written (permission bits honoured for the superuser too) or that is
+// not a regular file is refused: `error` is set and nothing is touched.
+class ConfigSave {
+public:
+    explicit ConfigSave(const char* target);
+    ~ConfigSave();
+    ConfigSave(const ConfigSave&) = delete;
+    ConfigSave& operator=(const ConfigSave&) = delete;
+
+    int error() const { return error_; }
+    FILE* current() const { return current_; }
+    FILE* output() const { return output_; }
+    // The native path written.
+    const std::string& target() const { return target_; }
+    bool commit();
+    // Records a failure met while writing `output`.
+    void fail(int error);
+
+private:
+    std::string target_;
+    int lock_fd_ = -1;
+    FILE* current_ = nullptr;
+    FILE* output_ = nullptr;
+    std::string named_; // the temporary, where the file system has no unnamed files
+    int error_ = 0;
+};
 
 // ---- settings store (stands in for the registry) -----------------------
 

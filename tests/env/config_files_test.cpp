@@ -191,3 +191,195 @@ TEST_F(ConfigFiles, WebBrowser)
 
 } // namespace
 } // namespace tql_test
+
+namespace tql_test {
+namespace {
+
+// The callback calls of the default environment made from the files now
+// in the sandbox.
+std::vector<CallbackLog::Call> calls_while_loading()
+{
+    CallbackLog log;
+    g_callback_log = &log;
+    gui_env_set_error(recording_callback);
+    gui_env_init();
+    gui_env_set_error(nullptr);
+    g_callback_log = nullptr;
+    return log.calls;
+}
+
+TEST_F(ConfigFiles, IncludeCyclesAndDeepChainsAreSkippedAndReported)
+{
+    // A 100-deep chain: inc0 includes inc1 ... the 64th file is refused.
+    for (int i = 0; i < 100; ++i) {
+        write("inc" + std::to_string(i) + ".cfg", "D" + std::to_string(i) + "=x\n+inc" + std::to_string(i + 1) + "\n");
+    }
+    struct Case {
+        const char* local;
+        int code;
+        const char* name;
+        const char* defined;
+    } cases[] = {
+        {"+zqtarvex\nSELF=1\n", GUI_ENV_ERR_INCLUDE_CYCLE, "zqtarvex.cfg -> zqtarvex.cfg", "SELF"},
+        {"+other\nMINE=1\n", GUI_ENV_ERR_INCLUDE_CYCLE, "zqtarvex.cfg -> other.cfg -> zqtarvex.cfg", "THEIRS"},
+        {"+inc0\n", GUI_ENV_ERR_INCLUDE_DEPTH, "inc63.cfg", "D62"},
+        {"+locked\n", GUI_ENV_ERR_READ, "locked.cfg", "MINE"}, // exists: never "not found"
+    };
+    write("other.cfg", "+zqtarvex\nTHEIRS=1\n");
+    fs::permissions(write("locked.cfg", "L=1\n"), fs::perms::none);
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.local);
+        write("zqtarvex.cfg", std::string(c.local) + "MINE=1\n");
+        const auto calls = calls_while_loading();
+        ASSERT_EQ(calls.size(), 1u);
+        EXPECT_EQ(calls[0].code, c.code);
+        EXPECT_EQ(calls[0].name, c.name);
+        EXPECT_NE(ee(c.defined), "<-1>");
+        gui_env_deinit(0);
+    }
+    EXPECT_EQ(ee("D63"), "<-1>");
+}
+
+TEST_F(ConfigFiles, UnusableFilesAreReportedAndNeverReplaced)
+{
+    struct Case {
+        const char* what;
+        fs::perms mode;
+        bool read_reported;
+        const char* reason;
+    } cases[] = {
+        {"unreadable", fs::perms::none, true, "Permission denied"},
+        {"read-only", fs::perms::owner_read | fs::perms::group_read, false, "Permission denied"},
+        {"directory", fs::perms::owner_all, true, "Is a directory"},
+        {"fifo", fs::perms::owner_read | fs::perms::owner_write, true, "not a regular file"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        const std::string local = sandbox_.path() + "/zqtarvex.cfg";
+        fs::remove_all(local);
+        if (std::string(c.what) == "directory") {
+            fs::create_directory(local);
+        } else if (std::string(c.what) == "fifo") {
+            ASSERT_EQ(mkfifo(local.c_str(), 0600), 0);
+        } else {
+            write("zqtarvex.cfg", "A=old\n");
+            fs::permissions(local, c.mode);
+        }
+        const auto calls = calls_while_loading();
+        EXPECT_EQ(calls.size(), c.read_reported ? 1u : 0u);
+        if (c.read_reported && !calls.empty()) {
+            EXPECT_EQ(calls[0].code, GUI_ENV_ERR_READ);
+        }
+        CallbackLog log;
+        g_callback_log = &log;
+        gui_env_set_error(recording_callback);
+        gui_env_put_ee("A", "new", GUI_ENV_LOCAL);
+        EXPECT_EQ(gui_env_deinit(1), 0);
+        ASSERT_EQ(log.calls.size(), 1u);
+        EXPECT_EQ(log.calls[0].code, GUI_ENV_ERR_WRITE);
+        EXPECT_EQ(log.calls[0].name, local);
+        EXPECT_EQ(tql::env::last_file_failure().reason, c.reason);
+        gui_env_set_error(nullptr);
+        g_callback_log = nullptr;
+        if (fs::is_regular_file(local)) {
+            fs::permissions(local, fs::perms::owner_read);
+            EXPECT_EQ(read_file(local), "A=old\n");
+        }
+    }
+}
+
+TEST_F(ConfigFiles, PathsOfAnyLengthSaveWhereTheyName)
+{
+    std::string deep = sandbox_.path();
+    for (int i = 0; i < 15; ++i) { // about 3,000 bytes
+        deep += "/" + std::string(200, static_cast<char>('a' + i));
+    }
+    fs::create_directories(deep);
+    const std::string file = deep + "/long.cfg";
+    GuiEnv env = gui_env_open(file.c_str(), GUI_ENV_FILE);
+    gui_env_put(env, "K", "v", GUI_ENV_LOCAL);
+    EXPECT_EQ(gui_env_close(env, 1), 1);
+    EXPECT_EQ(read_file(file), "K=v\n");
+
+    // Beyond the system's limit the save fails and says so.
+    CallbackLog log;
+    g_callback_log = &log;
+    gui_env_set_error(recording_callback);
+    env = gui_env_open((deep + "/" + std::string(5000, 'z') + ".cfg").c_str(), GUI_ENV_FILE);
+    gui_env_put(env, "K", "v", GUI_ENV_LOCAL);
+    EXPECT_EQ(gui_env_close(env, 1), 0);
+    ASSERT_FALSE(log.calls.empty());
+    EXPECT_EQ(log.calls.back().code, GUI_ENV_ERR_WRITE);
+    g_callback_log = nullptr;
+}
+
+TEST_F(ConfigFiles, SavedValuesReadBackWithDuplicatesAndNulBytes)
+{
+    using namespace std::string_literals;
+    struct Case {
+        std::string file;
+        const char* set;
+        std::string saved;
+    } cases[] = {
+        {"A=1\nB=b\nA=2\n", "A", "A=new\nB=b\nA=new\n"},
+        {"A=x\0y\nB=2\nC=3\n"s, "B", "A=x\0y\nB=new\nC=3\n"s},
+        {"\0=1\nA\0=2\nA=4\n"s, "A", "\0=1\nA\0=2\nA=new\n"s}, // a name with NUL defines nothing
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.set);
+        const std::string local = write("zqtarvex.cfg", c.file);
+        EXPECT_EQ(ee("C", GUI_ENV_LOCAL), c.file.find("C=3") == std::string::npos ? "<-1>" : "3");
+        gui_env_put_ee(c.set, "new", GUI_ENV_LOCAL);
+        EXPECT_EQ(gui_env_deinit(1), 1);
+        EXPECT_EQ(read_file(local), c.saved);
+        EXPECT_EQ(ee(c.set), "new");
+        gui_env_deinit(0);
+    }
+}
+
+TEST_F(ConfigFiles, ConcurrentSavesKeepEveryVariable)
+{
+    const std::string file = write("shared.cfg", "# shared\n");
+    auto saver = [&file](char who) {
+        return [&file, who] {
+            for (int i = 0; i < 40; ++i) {
+                GuiEnv env = gui_env_open(file.c_str(), GUI_ENV_FILE);
+                gui_env_put(env, (who + std::to_string(i)).c_str(), "v", GUI_ENV_LOCAL);
+                gui_env_close(env, 1);
+            }
+        };
+    };
+    pid_t first = fork();
+    if (first == 0) {
+        saver('P')();
+        std::_Exit(0);
+    }
+    const ChildResult second = run_in_child(saver('Q'));
+    waitpid(first, nullptr, 0);
+    EXPECT_TRUE(second.exited);
+    GuiEnv env = gui_env_open(file.c_str(), GUI_ENV_FILE);
+    for (char who : {'P', 'Q'}) {
+        for (int i = 0; i < 40; ++i) {
+            EXPECT_EQ(get(env, (who + std::to_string(i)).c_str()), "v") << who << i;
+        }
+    }
+}
+
+TEST_F(ConfigFiles, KilledSaveLeavesNoTemporaryFile)
+{
+    const std::string local = write("zqtarvex.cfg", "A=old\n");
+    const ChildResult child = run_in_child([] {
+        gui_env_put_ee("A", std::string(100000, 'n').c_str(), GUI_ENV_LOCAL);
+        rlimit limit{4096, 4096};
+        setrlimit(RLIMIT_FSIZE, &limit); // SIGXFSZ ends the save half-way
+        gui_env_deinit(1);
+    });
+    EXPECT_EQ(child.signal, SIGXFSZ);
+    EXPECT_EQ(read_file(local), "A=old\n");
+    for (const auto& entry : fs::directory_iterator(sandbox_.path())) {
+        EXPECT_EQ(entry.path().filename().string().rfind(".tql70-", 0), std::string::npos) << "temporary left";
+    }
+}
+
+} // namespace
+} // namespace tql_test

@@ -131,8 +131,7 @@ TEST_F(EnvStore, ErrorCallbackSuppliesMissingValues)
     g_callback_log = &log;
     gui_env_set_error(recording_callback);
     GuiEnv env = open_env();
-    std::snprintf(env->levels[tql::env::storage_index(GUI_ENV_SITE)].file_name, 512, "%s",
-                  "\\zq\\config\\.site.v2.cfg");
+    env->levels[tql::env::storage_index(GUI_ENV_SITE)].file_name = "\\zq\\config\\.site.v2.cfg";
 
     EXPECT_EQ(get(env, "NOPE"), "<-1>");
     ASSERT_EQ(log.calls.size(), 1u);
@@ -153,7 +152,7 @@ TEST_F(EnvStore, ErrorCallbackSuppliesMissingValues)
     EXPECT_TRUE(gui_env_exists(env, "NOPE", GUI_ENV_ANY));
 
     // The most specific level with a file names the configuration.
-    std::snprintf(env->levels[tql::env::storage_index(GUI_ENV_LOCAL)].file_name, 512, "%s", "proj/local.cfg");
+    env->levels[tql::env::storage_index(GUI_ENV_LOCAL)].file_name = "proj/local.cfg";
     char* out = &buffer[0];
     EXPECT_EQ(gui_env_apply_env_error(GUI_ENV_ERR_WRITE, env, "f", &out), 1);
     EXPECT_EQ(log.calls.back().config, "local");

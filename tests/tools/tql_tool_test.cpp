@@ -8,6 +8,7 @@
 
 #include <cstdio>
 #include <string>
+#include <sys/stat.h>
 #include <sys/wait.h>
 
 namespace {
@@ -332,3 +333,50 @@ TEST(TqlTool, MessageAndProjectCommands)
     }
     EXPECT_EQ(tql_test::read_file(p + "/proj.cfg"), "PROJECT_VERSION=1000\n");
 }
+
+namespace {
+
+// tql env check, warnings for skipped includes, failures with the native
+// path and the system's reason, and file states in tql env files.
+TEST(TqlTool, EnvironmentCheckAndFailureMessages)
+{
+    tql_test::TempDir dir;
+    tql_test::ScopedSettingsStore store({});
+    tql_test::ScopedEnv home("HOME", dir.path() + "/home");
+    tql_test::ScopedEnv root("ZQTARVEX_DIR", dir.path() + "/root");
+    tql_test::ScopedEnv custom("KPS_CUSTOM_DIR", std::nullopt);
+    tql_test::ScopedEnv unset("TQL_TOOL_UNSET", std::nullopt);
+    tql_test::ScopedCurrentDirectory cwd(dir.path());
+    dir.write_file("zqtarvex.cfg", "+zqtarvex\nA=%A\nC=%D\nD=%C/x\nU=%NOPE $TQL_TOOL_UNSET %A%\n");
+    dir.write_file("home/zqtarvex/config/zqtarvex.cfg/x", "");
+
+    const ToolRun check = tql("env check");
+    EXPECT_EQ(check.status, 1);
+    EXPECT_EQ(check.out, "undefined: %NOPE in U at zqtarvex.cfg:5\n"
+                         "undefined: $TQL_TOOL_UNSET in U at zqtarvex.cfg:5\n"
+                         "cycle: A -> A\n    A at zqtarvex.cfg:2\n"
+                         "cycle: C -> D -> C\n    C at zqtarvex.cfg:3\n    D at zqtarvex.cfg:4\n");
+    const ToolRun listing = tql("env", true);
+    EXPECT_EQ(listing.status, 0);
+    EXPECT_NE(listing.out.find("tql: warning: include cycle skipped: zqtarvex.cfg -> zqtarvex.cfg\n"),
+              std::string::npos)
+        << listing.out;
+    EXPECT_NE(listing.out.find("tql: warning: cannot read " + dir.path() +
+                               "/home/zqtarvex/config/zqtarvex.cfg: Is a directory\n"),
+              std::string::npos);
+    EXPECT_NE(tql("env files").out.find("home    directory " + dir.path() + "/home/zqtarvex/config/zqtarvex.cfg"),
+              std::string::npos);
+
+    chmod((dir.path() + "/zqtarvex.cfg").c_str(), 0444);
+    const ToolRun refused = tql("env set A 1 --level local --save", true);
+    EXPECT_EQ(refused.status, 1);
+    EXPECT_NE(refused.out.find("tql: cannot write " + dir.path() + "/zqtarvex.cfg: Permission denied\n"),
+              std::string::npos)
+        << refused.out;
+    dir.write_file("root/config/zqtarvex.cfg", "B=%A\n");
+    chmod((dir.path() + "/zqtarvex.cfg").c_str(), 0644);
+    dir.write_file("zqtarvex.cfg", "A=1\n");
+    EXPECT_EQ(tql("env check").out, "no cycles or undefined references\n");
+}
+
+} // namespace

@@ -326,7 +326,8 @@ const std::vector<Command>& commands()
         {"env", "tql env [NAME]",
          "list the variables of the default environment (or one) with their value, expansion,\n"
          "                       level and file; also: tql env get|set|rm NAME [VALUE]\n"
-         "                       [--level site|custom|home|local] [--save], tql env files",
+         "                       [--level site|custom|home|local] [--save], tql env files,\n"
+         "                       tql env check (reference cycles and undefined references)",
          run_env},
         {"version", "tql version", "print the library version text", run_version},
         {"getenv", "tql getenv NAME",

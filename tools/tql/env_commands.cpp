@@ -5,10 +5,13 @@
 #include <tql70/tql70.h>
 
 #include "env/env_store.h"
+#include "platform/platform.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
 #include <map>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -34,21 +37,39 @@ const Command& env_command()
     std::abort();
 }
 
-int report_failure(int code, const char*, const char* name, char**)
-{
-    if (code == GUI_ENV_ERR_WRITE) {
-        std::fprintf(stderr, "tql: cannot write %s\n", name);
-    } else if (code == GUI_ENV_ERR_NO_FILE) {
-        std::fprintf(stderr, "tql: warning: included file %s not found\n", name);
-    }
-    return 0;
-}
-
 std::string native(const std::string& path)
 {
     std::string out(path.size() + 1, '\0');
     tql_native_path(path.c_str(), &out[0]);
     return out.c_str();
+}
+
+// File failures name the native path and the system's reason; include
+// problems are warnings, as the include is skipped and the rest is read.
+int report_failure(int code, const char*, const char* name, char**)
+{
+    const tql::env::FileFailure& failure = tql::env::last_file_failure();
+    switch (code) {
+    case GUI_ENV_ERR_WRITE:
+        std::fprintf(stderr, "tql: cannot write %s: %s\n", failure.path.c_str(), failure.reason.c_str());
+        break;
+    case GUI_ENV_ERR_READ:
+        std::fprintf(stderr, "tql: warning: cannot read %s: %s\n", failure.path.c_str(), failure.reason.c_str());
+        break;
+    case GUI_ENV_ERR_NO_FILE:
+        std::fprintf(stderr, "tql: warning: included file %s not found\n", native(name).c_str());
+        break;
+    case GUI_ENV_ERR_INCLUDE_CYCLE:
+        std::fprintf(stderr, "tql: warning: include cycle skipped: %s\n", name);
+        break;
+    case GUI_ENV_ERR_INCLUDE_DEPTH:
+        std::fprintf(stderr, "tql: warning: includes nested deeper than %d files, skipped: %s\n",
+                     tql::env::kMaxIncludeDepth, name);
+        break;
+    default:
+        break;
+    }
+    return 0;
 }
 
 struct Definition {
@@ -112,6 +133,19 @@ int list_variables(const Args& args)
     return 0;
 }
 
+// One line of tql env files: the level, whether its file can be used (or
+// why not), and the native path.
+void print_file_state(const char* label, const std::string& file)
+{
+    const int problem = config_file_problem(file.c_str());
+    if (problem == 0 || problem == ENOENT || problem == ENOTDIR) {
+        std::printf("%-7s %s %s\n", label, problem == 0 ? "exists " : "missing", native(file).c_str());
+        return;
+    }
+    const char* state = problem == EISDIR ? "directory" : problem == EACCES ? "unreadable" : "unusable";
+    std::printf("%-7s %s %s (%s)\n", label, state, native(file).c_str(), file_failure_reason(problem).c_str());
+}
+
 int list_files()
 {
     tql::env::default_environment();
@@ -124,13 +158,93 @@ int list_files()
                  {"home", tql::env::level_file(GUI_ENV_HOME, name)},
                  {"local", tql::env::level_file(GUI_ENV_LOCAL, name)}};
     for (const auto& f : files) {
-        std::printf("%-7s %s %s\n", f.label, gfile_exists(f.file.c_str()) ? "exists " : "missing",
-                    native(f.file).c_str());
+        print_file_state(f.label, f.file);
     }
     for (const std::string& addon : tql::env::addon_files(name)) {
-        std::printf("%-7s %s %s\n", "add-on", "exists ", native(addon).c_str());
+        print_file_state("add-on", addon);
     }
     return 0;
+}
+
+// Where a definition is: "file:line", or "set by the program".
+std::string location(const GuiEnvEntry& entry)
+{
+    if (!entry.source) {
+        return "set by the program";
+    }
+    return native(entry.source) + ":" + std::to_string(entry.line);
+}
+
+// Depth-first search of the %-reference graph; every back edge closes a
+// cycle, kept once in its rotation that starts with its smallest name.
+void find_cycles(const std::string& name, const std::map<std::string, std::vector<std::string>>& edges,
+                 std::map<std::string, int>& state, std::vector<std::string>& path,
+                 std::set<std::vector<std::string>>& cycles)
+{
+    state[name] = 1;
+    path.push_back(name);
+    const auto found = edges.find(name);
+    for (const std::string& next : found == edges.end() ? std::vector<std::string>() : found->second) {
+        if (state[next] == 1) {
+            std::vector<std::string> cycle(std::find(path.begin(), path.end(), next), path.end());
+            std::rotate(cycle.begin(), std::min_element(cycle.begin(), cycle.end()), cycle.end());
+            cycles.insert(cycle);
+        } else if (state[next] == 0 && edges.count(next)) {
+            find_cycles(next, edges, state, path, cycles);
+        }
+    }
+    path.pop_back();
+    state[name] = 2;
+}
+
+// tql env check: every cycle of configuration variables and every
+// reference to a variable that is not defined, with where each definition
+// is. Status 1 when there is any.
+int check_references()
+{
+    GuiEnv env = tql::env::default_environment();
+    const auto all = definitions(env);
+    std::map<std::string, std::vector<std::string>> edges;
+    int problems = 0;
+    for (const auto& [name, list] : all) {
+        const GuiEnvEntry& winner = *list.front().entry;
+        for (const tql::env::Reference& ref : tql::env::references_in(winner.value)) {
+            // An empty name ("%NAME%", "50% off") is an idiom, not a mistake.
+            if (ref.name.empty()) {
+                continue;
+            }
+            if (ref.kind == '%' && all.count(ref.name)) {
+                edges[name].push_back(ref.name);
+            } else if (ref.kind == '%' || (!tql_getenv(ref.name.c_str()) && ref.name != "ZQTARVEX_DIR")) {
+                std::printf("undefined: %c%s in %s at %s\n", ref.kind, ref.name.c_str(), name.c_str(),
+                            location(winner).c_str());
+                ++problems;
+            }
+        }
+    }
+    std::map<std::string, int> state;
+    std::vector<std::string> path;
+    std::set<std::vector<std::string>> cycles;
+    for (const auto& [name, targets] : edges) {
+        if (state[name] == 0) {
+            find_cycles(name, edges, state, path, cycles);
+        }
+    }
+    for (const std::vector<std::string>& cycle : cycles) {
+        std::string chain;
+        for (const std::string& name : cycle) {
+            chain += name + " -> ";
+        }
+        std::printf("cycle: %s%s\n", chain.c_str(), cycle.front().c_str());
+        for (const std::string& name : cycle) {
+            std::printf("    %s at %s\n", name.c_str(), location(*all.at(name).front().entry).c_str());
+        }
+        ++problems;
+    }
+    if (problems == 0) {
+        std::printf("no cycles or undefined references\n");
+    }
+    return problems ? 1 : 0;
 }
 
 // Takes "--level L" and "--save" out of `args`; false on a bad level.
@@ -177,6 +291,9 @@ int run_env(const Args& given)
     if (verb == "files" && args.size() == 1) {
         return list_files();
     }
+    if (verb == "check" && args.size() == 1) {
+        return check_references();
+    }
     if (verb == "get" && args.size() == 2) {
         std::vector<char> buffer(4096);
         int result;
@@ -205,13 +322,13 @@ int run_env(const Args& given)
         }
         return finish(save);
     }
-    if (verb == "get" || verb == "set" || verb == "rm" || verb == "files") {
+    if (verb == "get" || verb == "set" || verb == "rm" || verb == "files" || verb == "check") {
         return usage_error(env_command(), "wrong number of arguments for env " + verb);
     }
     if (args.size() <= 1) {
         return list_variables(args);
     }
-    return usage_error(env_command(), "env takes [NAME], or get|set|rm NAME [VALUE], or files");
+    return usage_error(env_command(), "env takes [NAME], or get|set|rm NAME [VALUE], or files, or check");
 }
 
 } // namespace tql_tool
