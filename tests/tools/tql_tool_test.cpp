@@ -65,7 +65,8 @@ TEST(TqlTool, InformationCommands)
     tql_test::ScopedEnv set("TQL_TOOL_SET", std::string("/opt/zq"));
     tql_test::ScopedEnv unset("TQL_TOOL_UNSET", std::nullopt);
     const ToolCase runs[] = {
-        {"--help", 0, "tql getenv NAME"},
+        {"--help", 0, "\n  getenv    print a process variable"},
+        {"--version", 0, std::string(kps_version_str("")) + "\n", true},
         {"version", 0, std::string(kps_version_str("")) + "\n", true},
         {"getenv TQL_TOOL_SET", 0, "/opt/zq\n", true},
         {"getenv TQL_TOOL_STORED", 0, "from-store\n", true},
@@ -127,8 +128,8 @@ TEST(TqlTool, EnvironmentCommands)
         {"env rm EDITOR --level local --save", 0, ""},
         {"env get EDITOR", 0, "vi\n", true},
         {"env get NEW", 0, "value\n", true},
-        {"env files", 0, "site    exists  " + site},
-        {"env files", 0, "home    missing " + dir.path() + "/home/zqtarvex/config/zqtarvex.cfg"},
+        {"env files", 0, "site    used               " + site},
+        {"env files", 0, "home    missing            " + dir.path() + "/home/zqtarvex/config/zqtarvex.cfg"},
         {"env set A --level nowhere", 2, ""},
     };
     for (const ToolCase& r : runs) {
@@ -166,9 +167,9 @@ TEST(TqlTool, NameParseAndNumberCommands)
 TEST(TqlTool, BadArgumentsAreUsageErrors)
 {
     const std::pair<const char*, const char*> cases[] = {
-        {"", "usage: tql COMMAND"},
+        {"", "tql: no command given\nTry 'tql --help'.\n"},
         {"frobnicate", "tql: unknown command 'frobnicate'"},
-        {"getenv", "tql: getenv takes one variable name\nusage: tql getenv NAME\n"},
+        {"getenv", "tql: getenv takes one variable name\nTry 'tql getenv --help'.\n"},
         {"version extra", "tql: version takes no arguments"},
         {"errors extra", "tql: errors takes no arguments"},
         {"expand", "tql: expand takes one text"},
@@ -288,7 +289,7 @@ TEST(TqlTool, HashCommands)
         {"hash dump " + db, 0, "tab\\x09key\ta\\\\b\n"},
         {"hash stat " + db, 0, "pairs           2\n"},
         {"hash stat " + foreign, 1, "tql: cannot open " + foreign + ": Invalid argument\n", true},
-        {"hash get " + db, 2, "usage: tql hash"},
+        {"hash get " + db, 2, "Try 'tql hash --help'."},
     };
     for (const ToolCase& r : runs) {
         check(r);
@@ -364,7 +365,7 @@ TEST(TqlTool, EnvironmentCheckAndFailureMessages)
     EXPECT_NE(listing.out.find("tql: warning: cannot read " + dir.path() +
                                "/home/zqtarvex/config/zqtarvex.cfg: Is a directory\n"),
               std::string::npos);
-    EXPECT_NE(tql("env files").out.find("home    directory " + dir.path() + "/home/zqtarvex/config/zqtarvex.cfg"),
+    EXPECT_NE(tql("env files").out.find("home    not a regular file " + dir.path() + "/home/zqtarvex/config/zqtarvex.cfg"),
               std::string::npos);
 
     chmod((dir.path() + "/zqtarvex.cfg").c_str(), 0444);

@@ -10,6 +10,8 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
+#include <cerrno>
 #include <fstream>
 #include <iostream>
 #include <memory>
@@ -89,7 +91,7 @@ int run_grep(const Args& given)
     for (; next < given.size(); ++next) {
         std::ifstream file(given[next], std::ios::binary);
         if (!file) {
-            std::fprintf(stderr, "tql: cannot read %s\n", given[next].c_str());
+            std::fprintf(stderr, "tql: cannot read %s: %s\n", native(given[next]).c_str(), std::strerror(errno));
             failed = true;
             continue;
         }
