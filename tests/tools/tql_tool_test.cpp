@@ -391,9 +391,9 @@ TEST(TqlTool, EveryCommandHasHelpUsageErrorAndFailure)
         {"errors", "extra", "errors takes no arguments", "", ""},
         {"expand", "", "expand takes one text", "'$TQL_TOOL_UNSET'", "tql: '$TQL_TOOL_UNSET' expands to nothing\n"},
         {"name", "check planet x", "the kind is one of", "check identifier 1abc", "`1' illegal"},
-        {"parse", "--seps", "parse takes", none, "tql: cannot open " + none + ": No such file or directory\n"},
+        {"parse", "--seps", "Missing value after '--seps'.", none, "tql: cannot open " + none + ": No such file or directory\n"},
         {"num", "fmt x 10 2", "num takes fmt", "", ""},
-        {"cp", "a", "cp takes a source and a destination", none + " " + dir.path() + "/x",
+        {"cp", "--recursive a b", "Unknown option 'recursive'.", none + " " + dir.path() + "/x",
          "tql: cannot copy " + none},
         {"rm", "", "rm takes one path", none, "tql: cannot remove " + none},
         {"du", "", "du takes one directory", none, "tql: " + none + " is not a directory\n"},
@@ -449,7 +449,8 @@ TEST(TqlTool, ProgressOnlyOnATerminalAndAnEmptyEnvironmentSaysWhereItLooked)
     dir.write_file("tree/a/one.txt", "1");
     dir.write_file("tree/b/two.txt", "2");
     const std::string tree = dir.path() + "/tree";
-    check({"cp " + tree + " " + dir.path() + "/copy -r", 0, "", true});
+    check({"cp -r " + tree + " " + dir.path() + "/copy", 0, "", true});
+    EXPECT_TRUE(gfile_is_dir((dir.path() + "/copy/b").c_str()));
     check({"du " + tree, 0, "", false});
     EXPECT_EQ(tql("du " + tree, true).out, tql("du " + tree).out);
 

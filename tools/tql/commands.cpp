@@ -7,6 +7,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <cstring>
@@ -160,14 +161,15 @@ int file_failure(const char* what, const std::string& path)
     return kFailed;
 }
 
-// Splits off a trailing "-r"; true when it was there.
+// Takes "-r" out of `args`; true when it was there.
 bool take_recursive(Args& args)
 {
-    if (!args.empty() && args.back() == "-r") {
-        args.pop_back();
-        return true;
+    const auto found = std::find(args.begin(), args.end(), "-r");
+    if (found == args.end()) {
+        return false;
     }
-    return false;
+    args.erase(found);
+    return true;
 }
 
 int run_cp(const Args& given)
@@ -238,9 +240,10 @@ int run_name(const Args& given)
 {
     Args args = given;
     int allow_dot = 0;
-    if (!args.empty() && args.back() == "--allow-dot") {
+    const auto dot = std::find(args.begin(), args.end(), "--allow-dot");
+    if (dot != args.end()) {
         allow_dot = 1;
-        args.pop_back();
+        args.erase(dot);
     }
     if (args.size() != 3 || (args[0] != "check" && args[0] != "fix")) {
         return usage_error(find("name"), "name takes check or fix, a kind and a name");

@@ -10,6 +10,8 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <string>
+#include <vector>
 
 namespace {
 
@@ -23,6 +25,57 @@ void print_help()
                 "  -h, --help     print this help; tql COMMAND --help prints a command's own\n"
                 "  -V, --version  print the library version text\n"
                 "\nexit status: 0 done, 1 the operation failed, 2 a usage error\n");
+}
+
+// The arguments of a command that has options, parsed against the options
+// its help lists: options anywhere, "--" ending them, an unknown option or
+// a missing value an error. The command gets the other arguments in their
+// order, then each option in its own spelling (with its value). Arguments
+// pass through Latin-1 so that every byte comes back as it was given.
+bool parse_command_options(const tql_tool::Command& command, const tql_tool::Args& given, tql_tool::Args& out,
+                           QString& error)
+{
+    QCommandLineParser parser;
+    parser.setSingleDashWordOptionMode(QCommandLineParser::ParseAsLongOptions);
+    struct Spelling {
+        std::string spelled;
+        QString name;
+        bool valued;
+    };
+    std::vector<Spelling> spellings;
+    for (const tql_tool::OptionHelp& option : command.options) {
+        const std::string form = option.form;
+        const std::string spelled = form.substr(0, form.find(' '));
+        const QString name = QString::fromLatin1(spelled.c_str() + spelled.find_first_not_of('-'));
+        const bool valued = spelled.size() < form.size();
+        QCommandLineOption qt_option(name);
+        if (valued) {
+            qt_option.setValueName(QString::fromLatin1(form.c_str() + spelled.size() + 1));
+        }
+        parser.addOption(qt_option);
+        spellings.push_back({spelled, name, valued});
+    }
+    QStringList arguments{"tql"};
+    for (const std::string& argument : given) {
+        arguments << QString::fromLatin1(argument.data(), static_cast<int>(argument.size()));
+    }
+    if (!parser.parse(arguments)) {
+        error = parser.errorText();
+        return false;
+    }
+    for (const QString& positional : parser.positionalArguments()) {
+        out.push_back(positional.toLatin1().toStdString());
+    }
+    for (const Spelling& option : spellings) {
+        if (!option.valued && parser.isSet(option.name)) {
+            out.push_back(option.spelled);
+        }
+        for (const QString& value : option.valued ? parser.values(option.name) : QStringList()) {
+            out.push_back(option.spelled);
+            out.push_back(value.toLatin1().toStdString());
+        }
+    }
+    return true;
 }
 
 int global_usage_error(const QString& message)
@@ -79,5 +132,13 @@ int main(int argc, char** argv)
         tql_tool::print_command_help(*command);
         return tql_tool::kDone;
     }
-    return command->run(args);
+    if (command->options.empty()) {
+        return command->run(args);
+    }
+    tql_tool::Args parsed;
+    QString error;
+    if (!parse_command_options(*command, args, parsed, error)) {
+        return tql_tool::usage_error(*command, error.toLocal8Bit().toStdString());
+    }
+    return command->run(parsed);
 }
