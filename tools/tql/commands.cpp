@@ -144,10 +144,11 @@ int run_path(const Args& args)
     return 0;
 }
 
-// Prints the library's text of the last file error, or a generic one when
-// the operation reports failure by its result alone. A walk through a tree
-// also names the entry where it stopped and the system's reason.
-int file_failure(const char* what, const std::string& path)
+// Prints the library's text of the last file error with the system's
+// reason, or what the checks before a walk refused when the operation
+// reports failure by its result alone. A walk through a tree also names
+// the entry where it stopped.
+int file_failure(const char* what, const std::string& path, bool recursive)
 {
     const int code = gerror_get_error();
     const std::string stopped_at = gfile_error_path();
@@ -155,9 +156,16 @@ int file_failure(const char* what, const std::string& path)
     if (code >= 22 && code <= 28) {
         std::fprintf(stderr, "tql: %s %s%s: %s (%s)\n", what, native(path).c_str(), at.c_str(),
                      gerror_get_error_message(), gerror_get_system_error_message());
-    } else {
-        std::fprintf(stderr, "tql: %s %s\n", what, native(path).c_str());
+        return kFailed;
     }
+    // The checks before a walk fail without an error code: say which one.
+    const bool wildcard = path.find_first_of("*?") != std::string::npos;
+    const char* why = wildcard                   ? "no such files, or a destination that is not a directory"
+                      : !gfile_exists(path.c_str()) ? std::strerror(ENOENT)
+                      : !gfile_is_dir(path.c_str()) ? "refused"
+                      : !recursive                  ? "is a directory (-r for a tree)"
+                                                    : "the destination is not a directory and cannot be made one";
+    std::fprintf(stderr, "tql: %s %s: %s\n", what, native(path).c_str(), why);
     return kFailed;
 }
 
@@ -181,7 +189,7 @@ int run_cp(const Args& given)
     }
     gerror_set_error(0);
     if (!walk([&] { return gfile_cp(args[0].c_str(), args[1].c_str(), recursive); })) {
-        return file_failure("cannot copy", args[0]);
+        return file_failure("cannot copy", args[0], recursive);
     }
     return 0;
 }
@@ -195,7 +203,7 @@ int run_rm(const Args& given)
     }
     gerror_set_error(0);
     if (!walk([&] { return gfile_rm(args[0].c_str(), recursive); })) {
-        return file_failure("cannot remove", args[0]);
+        return file_failure("cannot remove", args[0], recursive);
     }
     return 0;
 }
