@@ -118,12 +118,14 @@ TEST(TqlTool, EnvironmentCommands)
     tql_test::ScopedEnv root("ZQTARVEX_DIR", dir.path() + "/root");
     tql_test::ScopedEnv custom("KPS_CUSTOM_DIR", std::nullopt);
     tql_test::ScopedCurrentDirectory cwd(dir.path());
-    dir.write_file("root/config/zqtarvex.cfg", "EDITOR=vi\nDIR=%EDITOR.d\n");
+    dir.write_file("root/config/zqtarvex.cfg", "EDITOR=vi\nDIR=%EDITOR.d\nBIN=C:\\t\\bin\nTOOL=%BIN\\tql\n");
     dir.write_file("zqtarvex.cfg", "EDITOR=nano\n");
     const std::string site = dir.path() + "/root/config/zqtarvex.cfg";
     const ToolCase runs[] = {
         {"env", 0, "EDITOR=nano\n    from local level, zqtarvex.cfg\n    shadows site level, " + site + " (vi)\n"},
         {"env", 0, "DIR=%EDITOR.d\n    expands to: nano.d\n"},
+        {"env", 0, "BIN=C:\\t\\bin\n    native: /t/bin\n    from site"},
+        {"env TOOL", 0, "TOOL=%BIN\\tql\n    expands to: C:\\t\\bin\\tql  (native: /t/bin/tql)\n"},
         {"env get editor --level site", 0, "vi\n", true},
         {"env NOPE", 1, ""},
         {"env set NEW value --level local --save", 0, ""},
