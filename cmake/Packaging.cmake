@@ -9,7 +9,6 @@ set(TQL70_RUNTIME_PACKAGE libtql70-${PROJECT_VERSION_MAJOR})
 set(CPACK_PACKAGE_NAME tql70)
 set(CPACK_PACKAGE_VENDOR "zqtarvex")
 set(CPACK_PACKAGE_CONTACT "tql70 maintainers <tql70@localhost>")
-set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "${PROJECT_DESCRIPTION}")
 set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_GENERATOR DEB)
@@ -18,24 +17,31 @@ set(CPACK_COMPONENTS_ALL runtime dev tools)
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SECTION libs)
+# dpkg-shlibdeps names the library packages the binaries need (Qt 6 Core,
+# libsodium, the C and C++ runtimes) with their lowest versions.
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME ${TQL70_RUNTIME_PACKAGE})
-set(CPACK_DEBIAN_RUNTIME_PACKAGE_DEPENDS "libqt6core6, libsodium23, libc6, libstdc++6")
+# The library package carries a shlibs file for packages built against it,
+# and the ldconfig trigger.
+set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
+set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
+file(WRITE ${PROJECT_BINARY_DIR}/deb-runtime/triggers "activate-noawait ldconfig\n")
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA ${PROJECT_BINARY_DIR}/deb-runtime/triggers)
 set(CPACK_COMPONENT_RUNTIME_DESCRIPTION
-  "tql70 shared library\n The general support library of the zqtarvex design suite.")
+  "The shared library libtql70.so.${PROJECT_VERSION_MAJOR}, which applications of the zqtarvex design suite link.")
 
 set(CPACK_DEBIAN_DEV_PACKAGE_NAME libtql70-dev)
 set(CPACK_DEBIAN_DEV_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_DEV_PACKAGE_DEPENDS
   "${TQL70_RUNTIME_PACKAGE} (= ${PROJECT_VERSION}), qt6-base-dev, libsodium-dev")
 set(CPACK_COMPONENT_DEV_DESCRIPTION
-  "tql70 development files\n Headers, static archive, CMake package and pkg-config file of tql70.")
+  "Headers, static archive, CMake package and pkg-config file for building against tql70.")
 
 set(CPACK_DEBIAN_TOOLS_PACKAGE_NAME tql70-tools)
 set(CPACK_DEBIAN_TOOLS_PACKAGE_SECTION utils)
-set(CPACK_DEBIAN_TOOLS_PACKAGE_DEPENDS
-  "${TQL70_RUNTIME_PACKAGE} (= ${PROJECT_VERSION}), libqt6core6, libc6, libstdc++6")
+# tql links the static archive, so it needs no libtql70 package.
 set(CPACK_COMPONENT_TOOLS_DESCRIPTION
-  "tql command-line program\n Runs the tql70 library's functions from the shell.")
+  "The tql command-line program, which runs the library's functions from the shell.")
 
 include(CPack)

@@ -30,7 +30,7 @@ set(checks
   "libtql70-dev|libsodium-dev|/lib/[^ \n]*libtql70\\.a"
   "libtql70-dev|qt6-base-dev|tql70\\.pc"
   "libtql70-dev|qt6-base-dev|tql70Config\\.cmake"
-  "tql70-tools|libtql70-${major}|/bin/tql\n"
+  "tql70-tools|libsodium23|/bin/tql\n"
   "tql70-tools|libqt6core6|/share/man/man1/tql\\.1"
   "tql70-tools|libqt6core6|/bash-completion/completions/tql\n")
 foreach(check ${checks})
