@@ -1,7 +1,7 @@
-# cmake -P script: install BUILD_DIR into WORK_DIR/prefix, then build and
-# run the consumer with find_package and with pkg-config.
+# cmake -P script: install BUILD_DIR into WORK_DIR/prefix (or take the
+# tree PREFIX already holds), then build and run the consumer with
+# find_package and with pkg-config.
 file(REMOVE_RECURSE ${WORK_DIR})
-set(prefix ${WORK_DIR}/prefix)
 
 function(run)
   execute_process(COMMAND ${ARGN} RESULT_VARIABLE result OUTPUT_VARIABLE out ERROR_VARIABLE out)
@@ -10,7 +10,12 @@ function(run)
   endif()
 endfunction()
 
-run(${CMAKE_COMMAND} --install ${BUILD_DIR} --prefix ${prefix})
+if(DEFINED PREFIX)
+  set(prefix ${PREFIX})
+else()
+  set(prefix ${WORK_DIR}/prefix)
+  run(${CMAKE_COMMAND} --install ${BUILD_DIR} --prefix ${prefix})
+endif()
 
 foreach(linkage shared static)
   run(${CMAKE_COMMAND} -S ${CONSUMER_DIR} -B ${WORK_DIR}/cmake-${linkage}
