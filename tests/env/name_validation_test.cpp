@@ -86,9 +86,7 @@ TEST(NameValidation, CharacterClassesByKind)
         {'+', 0, "...XXX"}, {'@', 0, "...XXX"}, {'^', 0, "...XXX"}, {'$', 0, "..XXXX"}, {'%', 0, "..XXXX"},
         {'!', 0, "..XXXX"}, {'.', 0, "XXXXXX"}, {'.', 1, "......"}, {'_', 0, "......"}, {'7', 0, "......"},
     };
-    for (char c : std::string("~*)/\\:\" \t;")) {
-        rows.push_back({c, 1, "XXXXXX"});
-    }
+    for (char c : std::string("~*)/\\:\" \t;")) rows.push_back({c, 1, "XXXXXX"});
     for (const Row& row : rows) {
         const std::string name = std::string("a") + row.c + "b";
         for (int k = 0; k < 6; ++k) {

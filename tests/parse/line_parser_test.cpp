@@ -23,9 +23,7 @@ std::vector<Field> fixed_fields(const char* line, const char* seps, const char* 
     static parserec rec;
     EXPECT_EQ(gparse_parline(line, seps, marks, endc, &rec), 1u);
     std::vector<Field> out;
-    for (unsigned int i = 0; i < rec.count; ++i) {
-        out.push_back({rec.fields[i].start, rec.fields[i].end});
-    }
+    for (unsigned int i = 0; i < rec.count; ++i) out.push_back({rec.fields[i].start, rec.fields[i].end});
     return out;
 }
 
@@ -37,9 +35,7 @@ std::vector<Field> mem_fields(Parse parse, Free release, const char* line, const
     gparse_init_parserecMem(&rec);
     EXPECT_EQ(parse(line, seps, marks, endc, &rec), 1u);
     std::vector<Field> out;
-    for (unsigned int i = 0; i < rec.count; ++i) {
-        out.push_back({rec.fields[i].start, rec.fields[i].end});
-    }
+    for (unsigned int i = 0; i < rec.count; ++i) out.push_back({rec.fields[i].start, rec.fields[i].end});
     EXPECT_EQ(release(&rec), 1u);
     return out;
 }
