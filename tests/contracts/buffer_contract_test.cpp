@@ -181,7 +181,9 @@ TEST(BufferContract, EveryWriterKeepsToItsStatedSize)
             std::unique_ptr<char[]> buffer(new char[static_cast<size_t>(size)]);
             std::memset(buffer.get(), 0x7f, static_cast<size_t>(size));
             row.call(in, buffer.get());
-            if (row.always_text) EXPECT_NE(std::memchr(buffer.get(), '\0', static_cast<size_t>(size)), nullptr);
+            if (row.always_text) {
+                EXPECT_NE(std::memchr(buffer.get(), '\0', static_cast<size_t>(size)), nullptr);
+            }
         }
     }
 }

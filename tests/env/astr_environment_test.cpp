@@ -97,7 +97,9 @@ TEST_F(AstrEnvironment, ScopesChooseTheLevel)
     // Once through configurations opened for each call, once through the
     // current configuration.
     for (bool current : {false, true}) {
-        if (current) ASSERT_EQ(astr_set_environment("tool"), 1);
+        if (current) {
+            ASSERT_EQ(astr_set_environment("tool"), 1);
+        }
         ASSERT_EQ(gui_env_init(), 1); // opening a configuration makes the default one
         const int open_before = open_environment_count();
         for (const auto& c : cases) {
