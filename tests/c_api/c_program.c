@@ -27,10 +27,7 @@ static int quiet_hook(char* module, int code, char* message, char* text)
     return code == 7;
 }
 
-static int compare_ints(const void* a, const void* b)
-{
-    return *(const int*)a - *(const int*)b;
-}
+static int compare_ints(const void* a, const void* b) { return *(const int*)a - *(const int*)b; }
 
 /* The trace macros expanded in C. */
 static int traced_increment(int x)

@@ -24,18 +24,13 @@ int compare_ints(const void* a, const void* b)
 
 // Records every item handed to a release function.
 std::vector<void*> g_released;
-void record_release(void* item)
-{
-    g_released.push_back(item);
-}
+void record_release(void* item) { g_released.push_back(item); }
 
 // Height of the subtree at `node`; checks the AVL invariants on the way
 // and appends the items in order.
 int check_subtree(const avltree_node* node, std::vector<int>& in_order)
 {
-    if (!node) {
-        return 0;
-    }
+    if (!node) return 0;
     const int left = check_subtree(node->left, in_order);
     in_order.push_back(*static_cast<const int*>(node->item));
     const int right = check_subtree(node->right, in_order);
@@ -59,17 +54,13 @@ protected:
     {
         avltree_init(&tree_);
         g_released.clear();
-        for (int i = 0; i < static_cast<int>(std::size(values_)); ++i) {
-            values_[i] = i;
-        }
+        for (int i = 0; i < static_cast<int>(std::size(values_)); ++i) values_[i] = i;
     }
     ~AvlTreeTest() override { avltree_free(&tree_, nullptr); }
 
     void insert_all(std::initializer_list<int> keys)
     {
-        for (int k : keys) {
-            ASSERT_EQ(avltree_insert(&tree_, compare_ints, &values_[k], record_release), 1);
-        }
+        for (int k : keys) ASSERT_EQ(avltree_insert(&tree_, compare_ints, &values_[k], record_release), 1);
     }
 
     avltree tree_;
@@ -119,10 +110,7 @@ TEST_F(AvlTreeTest, RandomInsertsAndDeletesKeepOrderAndBalance)
 // Each call gives the comparison its arguments in its own order: insert
 // (new item, node item), search (key, node item), delete (node item, key).
 // A comparison that reads its arguments as different types shows it.
-struct Tagged {
-    int tag; // 1 for the probe, 0 for stored items
-    int value;
-};
+struct Tagged { int tag; int value; }; // tag: 1 for the probe, 0 for stored items
 int compare_probe_first(const void* a, const void* b)
 {
     const Tagged* x = static_cast<const Tagged*>(a);
@@ -131,17 +119,12 @@ int compare_probe_first(const void* a, const void* b)
     EXPECT_EQ(y->tag, 0);
     return (x->value > y->value) - (x->value < y->value);
 }
-int compare_probe_second(const void* a, const void* b)
-{
-    return -compare_probe_first(b, a);
-}
+int compare_probe_second(const void* a, const void* b) { return -compare_probe_first(b, a); }
 
 TEST(AvlTree, ComparisonArgumentOrder)
 {
     std::vector<Tagged> items;
-    for (int v : {50, 20, 80, 10, 30, 70, 90, 60}) {
-        items.push_back({0, v});
-    }
+    for (int v : {50, 20, 80, 10, 30, 70, 90, 60}) items.push_back({0, v});
     avltree tree;
     avltree_init(&tree);
     for (Tagged& item : items) {
@@ -149,8 +132,7 @@ TEST(AvlTree, ComparisonArgumentOrder)
         ASSERT_EQ(avltree_insert(&tree, compare_probe_first, &item, nullptr), 1);
         item.tag = 0;
     }
-    const Tagged key60{1, 60};
-    const Tagged key65{1, 65};
+    const Tagged key60{1, 60}, key65{1, 65};
     EXPECT_EQ(avltree_search(&tree, compare_probe_first, &key60), &items[7]);
     EXPECT_EQ(avltree_search(&tree, compare_probe_first, &key65), nullptr);
     EXPECT_EQ(avltree_delete(&tree, compare_probe_second, &key65, nullptr), 0);
@@ -213,9 +195,7 @@ TEST_F(AvlTreeTest, FreeReleasesEveryItemChildrenFirst)
     avltree_free(&tree_, record_release);
     EXPECT_EQ(tree_, nullptr);
     std::vector<void*> expected;
-    for (int k : {1, 3, 2, 5, 7, 6, 4}) {
-        expected.push_back(&values_[k]);
-    }
+    for (int k : {1, 3, 2, 5, 7, 6, 4}) expected.push_back(&values_[k]);
     EXPECT_EQ(g_released, expected);
 }
 

@@ -69,9 +69,7 @@ TEST(Gmem, CallocZeroFillsReusedMemory)
         const unsigned char* clean = static_cast<unsigned char*>(gmem_ee_calloc(s[0], s[1]));
         ASSERT_NE(clean, nullptr);
         size_t non_zero = 0;
-        for (size_t i = 0; i < s[0] * s[1]; ++i) {
-            non_zero += clean[i] != 0;
-        }
+        for (size_t i = 0; i < s[0] * s[1]; ++i) non_zero += clean[i] != 0;
         EXPECT_EQ(non_zero, 0u);
         gmem_ee_free(const_cast<unsigned char*>(clean));
     }

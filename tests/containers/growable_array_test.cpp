@@ -12,10 +12,7 @@
 namespace {
 
 // Slots of these arrays are ints; 0 means free.
-int int_slot_is_free(void* array, long long index)
-{
-    return static_cast<int*>(array)[index] == 0;
-}
+int int_slot_is_free(void* array, long long index) { return static_cast<int*>(array)[index] == 0; }
 
 TEST(GrowableArray, FirstFreeSlotAndDoubling)
 {
@@ -24,9 +21,7 @@ TEST(GrowableArray, FirstFreeSlotAndDoubling)
     EXPECT_EQ(ZQ_alloc_array(&array, &capacity, int_slot_is_free, sizeof(int), 0), 0);
     EXPECT_EQ(capacity, 5);
     int* slots = static_cast<int*>(array);
-    for (int i = 0; i < 5; ++i) {
-        slots[i] = i + 1;
-    }
+    for (int i = 0; i < 5; ++i) slots[i] = i + 1;
     slots[3] = 0;
     EXPECT_EQ(ZQ_alloc_array(&array, &capacity, int_slot_is_free, sizeof(int), 0), 3);
     static_cast<int*>(array)[3] = 9;

@@ -47,9 +47,7 @@ protected:
     StringDbTest() { g_released.clear(); }
     ~StringDbTest() override
     {
-        for (ZQstringDB* db : dbs_) {
-            db->destroy(db);
-        }
+        for (ZQstringDB* db : dbs_) db->destroy(db);
     }
     ZQstringDB* make(ZQstringDB_release_fn release, int case_insensitive)
     {
@@ -66,9 +64,7 @@ TEST_F(StringDbTest, CaseRulesOfTheKeys)
 {
     ZQstringDB* folded = make(nullptr, 1);
     ZQstringDB* exact = make(nullptr, 0);
-    for (ZQstringDB* db : {folded, exact}) {
-        ASSERT_EQ(db->insert(db, "Abc", &v_[1]), 1);
-    }
+    for (ZQstringDB* db : {folded, exact}) ASSERT_EQ(db->insert(db, "Abc", &v_[1]), 1);
     ASSERT_NE(folded->lookup(folded, "abc"), nullptr);
     EXPECT_EQ(*folded->lookup(folded, "abc"), &v_[1]);
     EXPECT_NE(folded->lookup(folded, "ABC"), nullptr);
@@ -111,10 +107,7 @@ TEST_F(StringDbTest, InsertingAnExistingKeyReplacesTheEntryWithoutRelease)
 // database releases the displaced value with it.
 ZQstringDB* g_other = nullptr;
 int g_late_values[3];
-void insert_into_other()
-{
-    g_other->insert(g_other, "y", &g_late_values[1]);
-}
+void insert_into_other() { g_other->insert(g_other, "y", &g_late_values[1]); }
 
 TEST_F(StringDbTest, InsertReleasesADisplacedValueWithWhateverFunctionIsCurrent)
 {
@@ -127,11 +120,8 @@ TEST_F(StringDbTest, InsertReleasesADisplacedValueWithWhateverFunctionIsCurrent)
         a->insert(a, "x", &v_[1]);
         g_other->insert(g_other, "y", &g_late_values[0]);
         g_on_release_a = insert_into_other;
-        if (by_destroy) {
-            a->destroy(a);
-        } else {
-            EXPECT_EQ(a->remove(a, "x"), 1);
-        }
+        if (by_destroy) a->destroy(a);
+        else EXPECT_EQ(a->remove(a, "x"), 1);
         EXPECT_EQ(g_released, (std::vector<std::pair<char, void*>>{{'A', &v_[1]}, {'A', &g_late_values[0]}}));
         EXPECT_EQ(*g_other->lookup(g_other, "y"), &g_late_values[1]);
 
@@ -140,9 +130,7 @@ TEST_F(StringDbTest, InsertReleasesADisplacedValueWithWhateverFunctionIsCurrent)
         EXPECT_EQ(g_released.size(), 2u);
         g_other->destroy(g_other);
         EXPECT_EQ(g_released.back(), (std::pair<char, void*>{'B', &g_late_values[2]}));
-        if (!by_destroy) {
-            a->destroy(a);
-        }
+        if (!by_destroy) a->destroy(a);
         EXPECT_EQ(g_released.size(), 3u);
     }
 }
@@ -151,9 +139,7 @@ TEST_F(StringDbTest, RemoveReleasesEachValueOnceWhateverTheNodeShape)
 {
     ZQstringDB* db = make(release_b, 0);
     const char* keys[] = {"1", "2", "3", "4", "5", "6", "7"};
-    for (int i = 0; i < 7; ++i) {
-        db->insert(db, keys[i], &v_[i + 1]);
-    }
+    for (int i = 0; i < 7; ++i) db->insert(db, keys[i], &v_[i + 1]);
     // "4" is the root with two children, "7" a leaf, then "6" has one child.
     std::vector<std::pair<char, void*>> expected;
     for (int k : {4, 7, 6, 1, 3, 2, 5}) {
@@ -177,9 +163,7 @@ TEST_F(StringDbTest, HeightAndWalkDepths)
     ZQstringDB* db = make(nullptr, 0);
     EXPECT_EQ(db->height(db), 0);
     EXPECT_TRUE(walk(db).empty());
-    for (const char* key : {"1", "2", "3", "4", "5", "6", "7"}) {
-        db->insert(db, key, nullptr);
-    }
+    for (const char* key : {"1", "2", "3", "4", "5", "6", "7"}) db->insert(db, key, nullptr);
     EXPECT_EQ(db->height(db), 3);
     EXPECT_EQ(walk(db), (Walked{{"1", 3}, {"2", 2}, {"3", 3}, {"4", 1}, {"5", 3}, {"6", 2}, {"7", 3}}));
     db->insert(db, "8", nullptr);
@@ -190,14 +174,8 @@ TEST_F(StringDbTest, HeightAndWalkDepths)
 TEST_F(StringDbTest, ForeachGivesEntriesInOrderAndStops)
 {
     ZQstringDB* db = make(nullptr, 0);
-    for (const char* key : {"c", "a", "d", "b"}) {
-        db->insert(db, key, &v_[key[0] - 'a']);
-    }
-    struct Ctx {
-        std::string keys;
-        int limit;
-        const int* v;
-    };
+    for (const char* key : {"c", "a", "d", "b"}) db->insert(db, key, &v_[key[0] - 'a']);
+    struct Ctx { std::string keys; int limit; const int* v; };
     auto fn = [](ZQstringDB_entry* entry, void* c) {
         Ctx* x = static_cast<Ctx*>(c);
         EXPECT_EQ(entry->value, &x->v[entry->key[0] - 'a']);

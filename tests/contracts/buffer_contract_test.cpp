@@ -30,18 +30,9 @@
 
 namespace {
 
-struct Input {
-    std::string text;
-    std::string other;
-    int n;
-    int m;
-    double value;
-};
+struct Input { std::string text; std::string other; int n; int m; double value; };
 
-long long length(const std::string& s)
-{
-    return static_cast<long long>(s.size());
-}
+long long length(const std::string& s) { return static_cast<long long>(s.size()); }
 
 // The |exponent| of a number text, as the exponent conversions size it.
 long long exponent_of(const std::string& text)
@@ -166,15 +157,11 @@ std::vector<Input> inputs()
     const std::string alphabet = " .-+eE0123456789;/\\:abcZ\n(,)${}";
     for (int i = 0; i < 3000; ++i) {
         std::string text(random() % 40, ' ');
-        for (char& c : text) {
-            c = alphabet[random() % alphabet.size()];
-        }
+        for (char& c : text) c = alphabet[random() % alphabet.size()];
         const uint64_t bits = (static_cast<uint64_t>(random()) << 32) | random();
         double value = 0;
         std::memcpy(&value, &bits, sizeof value);
-        if (i % 2) {
-            value = (1 + random() % 9999) * std::pow(10.0, static_cast<int>(random() % 80) - 40) * (i % 4 == 1 ? -1 : 1);
-        }
+        if (i % 2) value = (1 + random() % 9999) * std::pow(10.0, static_cast<int>(random() % 80) - 40) * (i % 4 == 1 ? -1 : 1);
         all.push_back({text, text.substr(0, random() % 8), static_cast<int>(random() % 90) - 5, static_cast<int>(random() % 70) - 5, value});
     }
     return all;
@@ -235,11 +222,7 @@ TEST(NullArguments, EachCallAnswersWithItsFailureStatus)
     parserec rec;
     gparse_parline("a b", " ", "", 0, &rec);
     const auto address = [](const void* p) { return static_cast<long long>(reinterpret_cast<intptr_t>(p)); };
-    const struct {
-        const char* call;
-        std::function<long long()> run;
-        long long failure;
-    } cases[] = {
+    const struct { const char* call; std::function<long long()> run; long long failure; } cases[] = {
         {"ZQ_strlwr", [&] { return address(ZQ_strlwr(nullptr)); }, 0},
         {"ZQ_path_is_absolute", [] { return ZQ_path_is_absolute(nullptr); }, 0},
         {"ZQ_canonical_path out", [&] { return address(ZQ_canonical_path("a", nullptr)); }, 0},

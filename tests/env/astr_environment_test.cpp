@@ -22,9 +22,7 @@ namespace {
 // A returned string as text ("<null>" for null); the string is freed.
 std::string take(char* text)
 {
-    if (!text) {
-        return "<null>";
-    }
+    if (!text) return "<null>";
     std::string copy = text;
     gmem_ee_free(text);
     return copy;
@@ -33,9 +31,7 @@ std::string take(char* text)
 int open_environment_count()
 {
     int count = 0;
-    for (GuiEnv env = tql::env::open_environments(); env; env = env->next) {
-        ++count;
-    }
+    for (GuiEnv env = tql::env::open_environments(); env; env = env->next) ++count;
     return count;
 }
 
@@ -93,11 +89,7 @@ TEST_F(AstrEnvironment, CurrentConfigurationLookups)
 
 TEST_F(AstrEnvironment, ScopesChooseTheLevel)
 {
-    const struct {
-        const char* variable;
-        int scope;
-        const char* value;
-    } cases[] = {
+    const struct { const char* variable; int scope; const char* value; } cases[] = {
         {"SHARED", ASTR_SCOPE_HOME, "home"},      {"SHARED", ASTR_SCOPE_SITE, "site"},
         {"SHARED", 17, "local"},                  {"SITE_ONLY", ASTR_SCOPE_HOME, "<null>"},
         {"CUSTOM_ONLY", ASTR_SCOPE_SITE, "<null>"}, {"REF", ASTR_SCOPE_ALL, "s/x"},
@@ -205,17 +197,12 @@ TEST_F(AstrEnvironment, EnvironmentClosedBehindItsBack)
     EXPECT_NE(read_file(local_).find("LATE=l\n"), std::string::npos);
 }
 
-// ---- string helpers ----
-
 TEST(AstrStrings, ExtractLineCompareAndTail)
 {
-    const struct {
-        const char* text;
-        int max;
-        const char* line;
-        long next; // offset of the returned pointer, -1 for null
-    } lines[] = {{"abcd", 2, "ab", 3}, {"ab", 2, "ab", -1}, {"abc", 0, "", 1}, {"a\n\nb", 9, "a", 2},
-                 {"abcdef\n", 3, "abc", 4}};
+    // next: the offset of the returned pointer, -1 for null.
+    const struct { const char* text; int max; const char* line; long next; } lines[] = {
+        {"abcd", 2, "ab", 3}, {"ab", 2, "ab", -1}, {"abc", 0, "", 1}, {"a\n\nb", 9, "a", 2},
+        {"abcdef\n", 3, "abc", 4}};
     for (const auto& c : lines) {
         SCOPED_TRACE(c.text);
         char line[16];
@@ -223,13 +210,10 @@ TEST(AstrStrings, ExtractLineCompareAndTail)
         EXPECT_STREQ(line, c.line);
         EXPECT_EQ(next, c.next < 0 ? nullptr : c.text + c.next);
     }
-    const struct {
-        const char* a;
-        const char* b;
-        int equal;
-        int tail; // astr_str_matches_at_tail(a, b)
-    } pairs[] = {{"abc", "ABC", 1, 0}, {"abc", "abcd", 0, 0}, {"abab", "ab", 0, 1}, {"x", "", 0, 1},
-                 {"abAB", "ab", 0, 0}, {"a[", "A{", 0, 0},    {"\xc3\xa9", "\xc3\x89", 0, 0}, {nullptr, nullptr, 0, 0}};
+    // tail: astr_str_matches_at_tail(a, b).
+    const struct { const char* a; const char* b; int equal; int tail; } pairs[] = {
+        {"abc", "ABC", 1, 0}, {"abc", "abcd", 0, 0}, {"abab", "ab", 0, 1}, {"x", "", 0, 1},
+        {"abAB", "ab", 0, 0}, {"a[", "A{", 0, 0}, {"\xc3\xa9", "\xc3\x89", 0, 0}, {nullptr, nullptr, 0, 0}};
     for (const auto& c : pairs) {
         SCOPED_TRACE(std::string(c.a ? c.a : "(null)") + " / " + (c.b ? c.b : "(null)"));
         EXPECT_EQ(astr_strings_equal(c.a, c.b), c.equal);
@@ -239,13 +223,9 @@ TEST(AstrStrings, ExtractLineCompareAndTail)
 
 TEST(AstrStrings, LeafPathAndExtent)
 {
-    const struct {
-        const char* path;
-        const char* leaf;
-        const char* directory;
-        const char* without_extent;
-    } cases[] = {{"dir.d/file.tar.gz", "file.tar.gz", "dir.d", "dir.d\\file"}, {"plain.cfg", "plain.cfg", "<null>", "plain"},
-                 {"x/.hidden", ".hidden", "x", "x\\"}, {"\\\\srv\\share\\f", "f", "\\\\srv\\share", "\\\\srv\\share\\f"}};
+    const struct { const char* path; const char* leaf; const char* directory; const char* without_extent; } cases[] = {
+        {"dir.d/file.tar.gz", "file.tar.gz", "dir.d", "dir.d\\file"}, {"plain.cfg", "plain.cfg", "<null>", "plain"},
+        {"x/.hidden", ".hidden", "x", "x\\"}, {"\\\\srv\\share\\f", "f", "\\\\srv\\share", "\\\\srv\\share\\f"}};
     for (const auto& c : cases) {
         SCOPED_TRACE(c.path);
         std::string a = c.path, b = c.path, d = c.path;

@@ -15,9 +15,7 @@ CallbackLog* g_callback_log = nullptr;
 int recording_callback(int code, const char* config, const char* name, char** out)
 {
     g_callback_log->calls.push_back({code, config ? config : "<null>", name ? name : "<null>"});
-    if (g_callback_log->set_replacement && out) {
-        *out = &g_callback_log->replacement[0];
-    }
+    if (g_callback_log->set_replacement && out) *out = &g_callback_log->replacement[0];
     return g_callback_log->result;
 }
 
@@ -170,19 +168,14 @@ TEST_F(EnvStore, ErrorCallbackSuppliesMissingValues)
 TEST_F(EnvStore, IndexMatchesAPlainModel)
 {
     GuiEnv env = open_env();
-    struct ModelEntry {
-        std::optional<std::string> value;
-        bool deleted = false;
-    };
+    struct ModelEntry { std::optional<std::string> value; bool deleted = false; };
     std::map<std::string, ModelEntry> model[5]; // by level number 1..4
     auto model_find = [&](const std::string& name, int level, bool include_deleted) -> ModelEntry* {
         const int first = (level >= 1 && level <= 4) ? level : 1;
         const int last = (level >= 1 && level <= 4) ? level : 4;
         for (int l = first; l <= last; ++l) {
             auto it = model[l].find(name);
-            if (it != model[l].end() && (include_deleted || !it->second.deleted)) {
-                return &it->second;
-            }
+            if (it != model[l].end() && (include_deleted || !it->second.deleted)) return &it->second;
         }
         return nullptr;
     };
@@ -206,9 +199,7 @@ TEST_F(EnvStore, IndexMatchesAPlainModel)
         case 1: {
             ModelEntry* found = model_find(name, level, false);
             ASSERT_EQ(gui_env_rm(env, name.c_str(), level), found ? 1 : 0);
-            if (found) {
-                found->deleted = true;
-            }
+            if (found) found->deleted = true;
             break;
         }
         default: {

@@ -39,9 +39,7 @@ protected:
     {
         char buffer[4096];
         const int result = gui_env_get(env, name, buffer, nullptr, sizeof buffer, level);
-        if (result == 0) {
-            return buffer;
-        }
+        if (result == 0) return buffer;
         return result < 0 ? "<-1>" : "<size " + std::to_string(result) + ">";
     }
 
@@ -54,11 +52,7 @@ protected:
 
 // An error callback that records its calls and answers from a table.
 struct CallbackLog {
-    struct Call {
-        int code;
-        std::string config;
-        std::string name;
-    };
+    struct Call { int code; std::string config; std::string name; };
     std::vector<Call> calls;
     std::string replacement;
     int result = 0;

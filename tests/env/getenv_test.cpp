@@ -27,14 +27,10 @@ TEST(TqlGetenv, EnvironmentThenUserStoreThenSystemStore)
                               {{"TQLT_BOTH", "from-system"}, {"TQLT_SYSTEM", "system-only"}});
     ScopedEnv env("TQLT_ENV", std::string("env-value"));
     ScopedEnv empty("TQLT_EMPTY", std::string());
-    for (const char* name : {"TQLT_BOTH", "TQLT_SYSTEM", "TQLT_UNDEFINED"}) {
-        unsetenv(name);
-    }
-    const struct {
-        const char* name;
-        std::string expected;
-    } cases[] = {{"TQLT_ENV", "env-value"}, {"TQLT_BOTH", "from-user"}, {"TQLT_SYSTEM", "system-only"},
-                 {"TQLT_EMPTY", ""}, {"TQLT_UNDEFINED", "<null>"}, {"", "<null>"}};
+    for (const char* name : {"TQLT_BOTH", "TQLT_SYSTEM", "TQLT_UNDEFINED"}) unsetenv(name);
+    const struct { const char* name; std::string expected; } cases[] = {
+        {"TQLT_ENV", "env-value"}, {"TQLT_BOTH", "from-user"}, {"TQLT_SYSTEM", "system-only"},
+        {"TQLT_EMPTY", ""}, {"TQLT_UNDEFINED", "<null>"}, {"", "<null>"}};
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
         EXPECT_EQ(get(c.name), c.expected);

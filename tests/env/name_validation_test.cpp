@@ -19,30 +19,15 @@ std::string message(char c, const char* kind_words, const char* extra)
 {
     return std::string("`") + c + "' illegal: valid characters " + kind_words + "are alphanumeric or _" + extra;
 }
-std::string identifier_message(char c)
-{
-    return message(c, "", " with non-numeric first character");
-}
-std::string design_message(char c)
-{
-    return message(c, "in design names ", "`@#&+-=^");
-}
-std::string component_message(char c)
-{
-    return message(c, "in component names ", "`@#&+-=^$%");
-}
+std::string identifier_message(char c) { return message(c, "", " with non-numeric first character"); }
+std::string design_message(char c) { return message(c, "in design names ", "`@#&+-=^"); }
+std::string component_message(char c) { return message(c, "in component names ", "`@#&+-=^$%"); }
 
 std::string message_for(char c, int kind)
 {
-    if (kind & (ASTR_KIND_IDENTIFIER | ASTR_KIND_INDEXED)) {
-        return identifier_message(c);
-    }
-    if (kind & ASTR_KIND_WORKSPACE) {
-        return message(c, "in workspace names ", "");
-    }
-    if (kind & ASTR_KIND_DESIGN) {
-        return design_message(c);
-    }
+    if (kind & (ASTR_KIND_IDENTIFIER | ASTR_KIND_INDEXED)) return identifier_message(c);
+    if (kind & ASTR_KIND_WORKSPACE) return message(c, "in workspace names ", "");
+    if (kind & ASTR_KIND_DESIGN) return design_message(c);
     return kind & ASTR_KIND_NODE ? message(c, "in node names ", "`@#&+-=^$%!") : component_message(c);
 }
 
@@ -96,18 +81,12 @@ TEST(NameValidation, CharacterClassesByKind)
     // indexed and workspace names, '.' legal and 'X' illegal.
     const int kinds[] = {ASTR_KIND_COMPONENT,  ASTR_KIND_NODE,    ASTR_KIND_DESIGN,
                          ASTR_KIND_IDENTIFIER, ASTR_KIND_INDEXED, ASTR_KIND_WORKSPACE};
-    struct Row {
-        char c;
-        int allow_dot;
-        const char* legality;
-    };
+    struct Row { char c; int allow_dot; const char* legality; };
     std::vector<Row> rows = {
         {'+', 0, "...XXX"}, {'@', 0, "...XXX"}, {'^', 0, "...XXX"}, {'$', 0, "..XXXX"}, {'%', 0, "..XXXX"},
         {'!', 0, "..XXXX"}, {'.', 0, "XXXXXX"}, {'.', 1, "......"}, {'_', 0, "......"}, {'7', 0, "......"},
     };
-    for (char c : std::string("~*)/\\:\" \t;")) {
-        rows.push_back({c, 1, "XXXXXX"});
-    }
+    for (char c : std::string("~*)/\\:\" \t;")) rows.push_back({c, 1, "XXXXXX"});
     for (const Row& row : rows) {
         const std::string name = std::string("a") + row.c + "b";
         for (int k = 0; k < 6; ++k) {
@@ -131,13 +110,7 @@ TEST(NameValidation, NullNameAndSharedMessageBuffer)
     EXPECT_EQ(std::string(first), component_message(' '));
 }
 
-struct RepairCase {
-    const char* name;
-    int kind;
-    int allow_dot;
-    char replacement;
-    const char* expected;
-};
+struct RepairCase { const char* name; int kind; int allow_dot; char replacement; const char* expected; };
 
 TEST(NameValidationRepair, ReplacesWhatTheCheckRefuses)
 {
@@ -216,11 +189,8 @@ TEST(NameValidationSpecial, FirstSpecialCharacter)
     for (const Case& c : cases) {
         SCOPED_TRACE(std::string("name \"") + c.name + "\" allow_dot " + std::to_string(c.allow_dot));
         const char* found = astr_kps_spl_name(c.name, c.allow_dot);
-        if (c.offset < 0) {
-            EXPECT_EQ(found, nullptr);
-        } else {
-            EXPECT_EQ(found, c.name + c.offset);
-        }
+        if (c.offset < 0) EXPECT_EQ(found, nullptr);
+        else EXPECT_EQ(found, c.name + c.offset);
     }
     EXPECT_EQ(astr_kps_spl_name(nullptr, 0), nullptr);
 }

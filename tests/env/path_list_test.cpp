@@ -12,9 +12,7 @@ using PathList = EnvTest;
 std::vector<std::string> tokens(const char* list)
 {
     std::vector<std::string> all;
-    for (const char* t = gui_env_get_tok(list); t; t = gui_env_get_tok(nullptr)) {
-        all.push_back(t);
-    }
+    for (const char* t = gui_env_get_tok(list); t; t = gui_env_get_tok(nullptr)) all.push_back(t);
     return all;
 }
 
@@ -33,10 +31,7 @@ std::vector<std::string> extracted(const char* list)
 TEST_F(PathList, SeparatorsAndDrives)
 {
     using V = std::vector<std::string>;
-    struct Case {
-        const char* list;
-        V expected;
-    } cases[] = {
+    struct Case { const char* list; V expected; } cases[] = {
         {"C:\\a;D:/b:e", V{"C:\\a", "D:/b", "e"}}, {"x:y", V{"x", "y"}}, {"c:/x:y", V{"c:/x", "y"}},
         {"C:x", V{"C", "x"}},     // no separator after the colon: not a drive
         {"1:\\x", V{"1", "\\x"}}, // not a letter

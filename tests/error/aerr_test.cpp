@@ -66,12 +66,7 @@ TEST_F(AerrTest, FormattedTextIsCutAt4095Characters)
 
 TEST_F(AerrTest, ReportsArePrintedOrTakenByHooks)
 {
-    struct Case {
-        const char* name;
-        std::function<void()> body;
-        std::string err;
-        std::string out;
-    };
+    struct Case { const char* name; std::function<void()> body; std::string err; std::string out; };
     const auto hooked = [](LegacyReportFunction (*set)(LegacyReportFunction), int result, int (*call)()) {
         return [=] {
             g_hook_result = result;
@@ -87,11 +82,7 @@ TEST_F(AerrTest, ReportsArePrintedOrTakenByHooks)
          [] { aerr_process_error("MODULE7", 12345, "50%d", "100%%"); }, "ERROR   MODULE712345 100%: 50%d\n", ""},
         {"negative code", [] { aerr_process_error("GUI", -5, "m", "t"); }, "ERROR      GUI-005 t: m\n", ""},
         {"set then report twice",
-         [] {
-             aerr_set("GUI", 2, "M", "T");
-             const int first = aerr_report();
-             std::printf("%d %d", first, aerr_report());
-         },
+         [] { aerr_set("GUI", 2, "M", "T"); const int first = aerr_report(); std::printf("%d %d", first, aerr_report()); },
          "ERROR      GUI0002 T: M\n", "1 0"},
         {"warning", [] { std::printf("%d", aerr_process_warning("GUI", 7, "careful", "x=%d", 5)); },
          "WARNING    GUI0007 x=5: careful\n", "10"},
@@ -105,17 +96,11 @@ TEST_F(AerrTest, ReportsArePrintedOrTakenByHooks)
          "5 [GUI|7|careful|t]"},
         {"error hook declines",
          hooked(aerr_set_error_function, 0,
-                [] {
-                    aerr_process_error("GUI", 12, "M", "T");
-                    return error_pending() ? 1 : 0;
-                }),
+                [] { aerr_process_error("GUI", 12, "M", "T"); return error_pending() ? 1 : 0; }),
          "ERROR      GUI0012 T: M\n", "0 [GUI|12|M|T]"},
         {"error hook takes a set error",
          hooked(aerr_set_error_function, 1,
-                [] {
-                    aerr_set("GUI", 12, "M", "T");
-                    return aerr_report() * 10 + aerr_report();
-                }),
+                [] { aerr_set("GUI", 12, "M", "T"); return aerr_report() * 10 + aerr_report(); }),
          "", "10 [GUI|12|M|T]"},
     };
     for (const Case& c : cases) {
@@ -128,12 +113,7 @@ TEST_F(AerrTest, ReportsArePrintedOrTakenByHooks)
 
 TEST_F(AerrTest, FatalErrorsRunTheExitFunctionAndEndWithStatusOne)
 {
-    struct Case {
-        const char* name;
-        void (*body)();
-        int status;
-        std::string err;
-    };
+    struct Case { const char* name; void (*body)(); int status; std::string err; };
     const Case cases[] = {
         {"fatal error", [] { aerr_fatal_error("file.c", 42); }, 1, "FATAL ERROR: in file.c, line 42\n"},
         {"exit function ends the process itself",
@@ -152,10 +132,7 @@ TEST_F(AerrTest, FatalErrorsRunTheExitFunctionAndEndWithStatusOne)
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
         const tql_test::ChildResult result = tql_test::run_in_child(
-            [&] {
-                c.body();
-                std::fputs("returned", stdout);
-            },
+            [&] { c.body(); std::fputs("returned", stdout); },
             10);
         EXPECT_TRUE(result.exited);
         EXPECT_EQ(result.exit_status, c.status);

@@ -33,33 +33,15 @@ private:
     bool result_;
 };
 
-int global_hook(char*, int, char*, char* text)
-{
-    g_calls.push_back(std::string("global:") + text);
-    return 1;
-}
-
-int handler_hook(char*, int, char*, char* text)
-{
-    g_calls.push_back(std::string("hook:") + text);
-    return 1;
-}
-
-int declining_hook(char*, int, char*, char* text)
-{
-    g_calls.push_back(std::string("declining:") + text);
-    return 0;
-}
+int global_hook(char*, int, char*, char* text) { return g_calls.push_back(std::string("global:") + text), 1; }
+int handler_hook(char*, int, char*, char* text) { return g_calls.push_back(std::string("hook:") + text), 1; }
+int declining_hook(char*, int, char*, char* text) { return g_calls.push_back(std::string("declining:") + text), 0; }
 
 using Calls = std::vector<std::string>;
 
 class ErrorHandlerTest : public tql_test::ErrorStateTest {
 protected:
-    void clear() override
-    {
-        ErrorStateTest::clear();
-        g_calls.clear();
-    }
+    void clear() override { ErrorStateTest::clear(), g_calls.clear(); }
 };
 
 TEST_F(ErrorHandlerTest, ReportsGoToTheNewestHandlerThenTheGlobalHooks)
@@ -131,12 +113,7 @@ TEST_F(ErrorHandlerTest, HandlerOwnReportsBypassHooksAndKeepTheText)
 
 TEST_F(ErrorHandlerTest, UnhandledReportsArePrinted)
 {
-    struct Case {
-        const char* name;
-        void (*body)();
-        std::string err;
-        std::string out;
-    };
+    struct Case { const char* name; void (*body)(); std::string err; std::string out; };
     const Case cases[] = {
         {"handler declines",
          [] {
@@ -155,11 +132,7 @@ TEST_F(ErrorHandlerTest, UnhandledReportsArePrinted)
          },
          "WARNING y\n", "declining:y\n"},
         {"messages never reach a handler",
-         [] {
-             RecordingHandler a("a");
-             aerr_process_message("GUI", 3, "M", nullptr);
-             std::printf("%zu", g_calls.size());
-         },
+         [] { RecordingHandler a("a"); aerr_process_message("GUI", 3, "M", nullptr); std::printf("%zu", g_calls.size()); },
          "INFO       GUI0003: M\n", "0"},
     };
     for (const Case& c : cases) {

@@ -29,9 +29,7 @@ inline std::string child_stderr(const std::function<void()>& body, std::string* 
     const ChildResult result = run_in_child(body, 10);
     EXPECT_TRUE(result.exited) << "signal " << result.signal << (result.timed_out ? ", timed out" : "");
     EXPECT_EQ(result.exit_status, 0);
-    if (out) {
-        *out = result.out;
-    }
+    if (out) *out = result.out;
     return result.err;
 }
 

@@ -83,15 +83,11 @@ TEST(ErrorThreadsTest, ConcurrentSettersReadersAndReports)
                 const char* module = nullptr;
                 int code = 0;
                 const bool got = aerr_get(&module, &code, nullptr) == 1;
-                if (!well_formed(read) || (got && !module_and_code_match(module, code))) {
-                    bad_reads.fetch_add(1);
-                }
+                if (!well_formed(read) || (got && !module_and_code_match(module, code))) bad_reads.fetch_add(1);
             }
         });
     }
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
+    for (std::thread& thread : threads) thread.join();
     EXPECT_EQ(bad_reads.load(), 0);
     EXPECT_EQ(g_bad_reports.load(), 0);
     EXPECT_EQ(g_warning_reports.load(), warning_calls.load());

@@ -37,10 +37,7 @@ TEST_F(GerrorTest, CodesAndTextsFollowTheRangeRules)
     gerror_set_system_error(0);
     EXPECT_STREQ(gerror_get_system_error_message(), "system errno out of range");
 
-    const struct {
-        int code;
-        const char* text;
-    } cases[] = {
+    const struct { int code; const char* text; } cases[] = {
         {1, "System library call failed"}, {18, "Message set not specified for message retreival"},
         {30, "Clock stop failed"},
         // Code 0 fails the range check, so "No error" is never given.
@@ -59,12 +56,7 @@ TEST_F(GerrorTest, Printouts)
     // 31..124 have no text of their own but pass the range check, so they
     // are printed with the out-of-range text.
     const std::string text124 = "GuiErrno out of range";
-    struct Case {
-        int gui;
-        int sys;
-        std::string all;
-        std::string one;
-    };
+    struct Case { int gui; int sys; std::string all; std::string one; };
     const Case cases[] = {
         {23, ENOENT, "Cannot open file : " + enoent + "\n", "Cannot open file\n"},
         {23, 100000, "Cannot open file\n", "Cannot open file\n"}, {124, 0, text124 + "\n", text124 + "\n"},
@@ -72,15 +64,9 @@ TEST_F(GerrorTest, Printouts)
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(std::to_string(c.gui) + "/" + std::to_string(c.sys));
-        EXPECT_EQ(child_stderr([&] {
-                      gerror_set_all_errors(c.gui, c.sys);
-                      gerror_display_all_error_messages();
-                  }),
+        EXPECT_EQ(child_stderr([&] { gerror_set_all_errors(c.gui, c.sys); gerror_display_all_error_messages(); }),
                   c.all);
-        EXPECT_EQ(child_stderr([&] {
-                      gerror_set_all_errors(c.gui, c.sys);
-                      gerror_display_error_message();
-                  }),
+        EXPECT_EQ(child_stderr([&] { gerror_set_all_errors(c.gui, c.sys); gerror_display_error_message(); }),
                   c.one);
     }
 }
@@ -90,10 +76,8 @@ TEST(DebugModeTest, ValueMustMatchOneListEntryExactly)
     const char* const kVar = "TQL70_TEST_DEBUG_MODE";
     const char* const kEnd = nullptr;
     const tql_test::ScopedSettingsStore store({});
-    const struct {
-        const char* value;
-        int expected;
-    } cases[] = {{"all", 1}, {"error", 1}, {"ALL", 0}, {"error,all", 0}, {"all ", 0}, {"al", 0}, {"", 0}};
+    const struct { const char* value; int expected; } cases[] = {
+        {"all", 1}, {"error", 1}, {"ALL", 0}, {"error,all", 0}, {"all ", 0}, {"al", 0}, {"", 0}};
     for (const auto& c : cases) {
         SCOPED_TRACE(c.value);
         const tql_test::ScopedEnv env(kVar, std::string(c.value));

@@ -20,11 +20,7 @@ using tql_test::child_stderr;
 using tql_test::pending_text;
 using PendingErrorTest = tql_test::ErrorStateTest;
 
-struct SetCase {
-    const char* name;
-    std::function<void()> set;
-    std::string expected;
-};
+struct SetCase { const char* name; std::function<void()> set; std::string expected; };
 
 TEST_F(PendingErrorTest, SettersReplaceTheErrorAndJoinParts)
 {
@@ -68,12 +64,7 @@ TEST_F(PendingErrorTest, GetPendingErrorReportsTheTextNotTheFlag)
 
 TEST_F(PendingErrorTest, LocationLinesArePrepended)
 {
-    struct Case {
-        const char* name;
-        std::function<void()> set;
-        const char* location;
-        std::string expected;
-    };
+    struct Case { const char* name; std::function<void()> set; const char* location; std::string expected; };
     const Case cases[] = {
         {"plain", [] { set_pending_error("x"); }, "L", "L\nx"},
         {"plain text starting with a line feed", [] { set_pending_error("\nx"); }, "L", "L\nx"},
@@ -98,10 +89,7 @@ TEST_F(PendingErrorTest, LocationLinesArePrepended)
     EXPECT_EQ(pending_text(), "outer\ninner\nx");
 }
 
-int take_report(char*, int, char*, char*)
-{
-    return 1;
-}
+int take_report(char*, int, char*, char*) { return 1; }
 
 TEST_F(PendingErrorTest, ReportingKeepsTheMessage)
 {
@@ -115,10 +103,7 @@ TEST_F(PendingErrorTest, ReportingKeepsTheMessage)
     EXPECT_EQ(pending_text(), "L");
 }
 
-void print_state()
-{
-    std::printf("pending=%d text=[%s]", error_pending() ? 1 : 0, pending_text().c_str());
-}
+void print_state() { std::printf("pending=%d text=[%s]", error_pending() ? 1 : 0, pending_text().c_str()); }
 
 // What the recording hook saw; it also reads the pending error while the
 // report is in progress, which deadlocks if the lock is held.
@@ -136,12 +121,7 @@ TEST_F(PendingErrorTest, ReportsGoToHooksOrStderr)
 {
     const std::string cleared = "pending=0 text=[]";
     const std::string kept = "pending=1 text=[keep]";
-    struct Case {
-        const char* name;
-        std::function<void()> body;
-        std::string err;
-        std::string out;
-    };
+    struct Case { const char* name; std::function<void()> body; std::string err; std::string out; };
     const Case cases[] = {
         {"report_error QString", [] { report_error(QString("caf") + QChar(0xE9)); },
          "ERROR         -001 caf\xC3\xA9: \n", cleared},
@@ -159,23 +139,14 @@ TEST_F(PendingErrorTest, ReportsGoToHooksOrStderr)
          [] { g_hook_result = 1; aerr_set_error_function(recording_hook); report_error("disk full"); }, "",
          "[|-1||disk full|during=disk full] " + cleared},
         {"warning hook takes it",
-         [] {
-             g_hook_result = 1;
-             set_pending_error("keep");
-             aerr_set_warning_function(recording_hook);
-             report_warning("w\n");
-         },
+         [] { g_hook_result = 1; set_pending_error("keep"); aerr_set_warning_function(recording_hook); report_warning("w\n"); },
          "", "[|-1||w\n|during=keep] " + kept},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
         std::string out;
         const std::string err = child_stderr(
-            [&] {
-                c.body();
-                std::fputs(g_hook_seen.c_str(), stdout);
-                print_state();
-            },
+            [&] { c.body(); std::fputs(g_hook_seen.c_str(), stdout); print_state(); },
             &out);
         EXPECT_EQ(err, c.err);
         EXPECT_EQ(out, c.out);

@@ -19,18 +19,13 @@ namespace fs = std::filesystem;
 
 namespace {
 
-struct Declared {
-    std::set<std::string> c_names;
-    std::set<std::string> cxx_names;
-};
+struct Declared { std::set<std::string> c_names; std::set<std::string> cxx_names; };
 
 std::string last_identifier(const std::string& text)
 {
     static const std::regex identifier("[A-Za-z_][A-Za-z0-9_]*");
     std::string last;
-    for (std::sregex_iterator it(text.begin(), text.end(), identifier), end; it != end; ++it) {
-        last = it->str();
-    }
+    for (std::sregex_iterator it(text.begin(), text.end(), identifier), end; it != end; ++it) last = it->str();
     return last;
 }
 
@@ -39,9 +34,7 @@ std::string declared_name(const std::string& line)
 {
     static const std::regex class_decl(R"(\b(class|struct)\s+TQL70_API\s+([A-Za-z_]\w*))");
     std::smatch match;
-    if (std::regex_search(line, match, class_decl)) {
-        return match[2];
-    }
+    if (std::regex_search(line, match, class_decl)) return match[2];
     const size_t paren = line.find('(');
     return last_identifier(line.substr(0, paren == std::string::npos ? line.find(';') : paren));
 }
@@ -61,19 +54,13 @@ void scan_header(const fs::path& header, Declared& declared)
             branches.push_back(true);
         } else if (std::regex_search(line, if_any)) {
             branches.push_back(false);
-        } else if (std::regex_search(line, else_any)) {
-            if (!branches.empty()) {
-                branches.back() = false;
-            }
-        } else if (std::regex_search(line, endif_any)) {
-            if (!branches.empty()) {
-                branches.pop_back();
-            }
+        } else if (std::regex_search(line, else_any) && !branches.empty()) {
+            branches.back() = false;
+        } else if (std::regex_search(line, endif_any) && !branches.empty()) {
+            branches.pop_back();
         } else if (std::regex_search(line, declaration)) {
             bool cxx = false;
-            for (bool b : branches) {
-                cxx = cxx || b;
-            }
+            for (bool b : branches) cxx = cxx || b;
             (cxx ? declared.cxx_names : declared.c_names).insert(declared_name(line));
         }
     }
@@ -84,9 +71,7 @@ void scan_header(const fs::path& header, Declared& declared)
 std::string cxx_base_name(std::string demangled)
 {
     for (const char* prefix : {"vtable for ", "typeinfo name for ", "typeinfo for "}) {
-        if (demangled.rfind(prefix, 0) == 0) {
-            demangled = demangled.substr(std::string(prefix).size());
-        }
+        if (demangled.rfind(prefix, 0) == 0) demangled = demangled.substr(std::string(prefix).size());
     }
     demangled = demangled.substr(0, demangled.find('('));
     return demangled.substr(0, demangled.find("::"));
@@ -124,11 +109,7 @@ int main(int argc, char** argv)
         return 2;
     }
     Declared declared;
-    for (const auto& entry : fs::directory_iterator(argv[3])) {
-        if (entry.path().extension() == ".h") {
-            scan_header(entry.path(), declared);
-        }
-    }
+    for (const auto& entry : fs::directory_iterator(argv[3])) if (entry.path().extension() == ".h") scan_header(entry.path(), declared);
 
     int failures = 0;
     std::set<std::string> seen_c;

@@ -39,10 +39,7 @@ TEST(GfileDirectories, MkdirWithParentsAndVariables)
     EXPECT_TRUE(fs::is_directory(dir.path() + "/home/y/z"));
 
     ScopedEnv unset("TQL_NOSUCH", std::nullopt);
-    const ChildResult child = run_in_child([] {
-        char missing[] = "%TQL_NOSUCH%\\x";
-        std::printf("%d", gfile_mkdir(missing, 1, 0755));
-    });
+    const ChildResult child = run_in_child([] { char missing[] = "%TQL_NOSUCH%\\x"; std::printf("%d", gfile_mkdir(missing, 1, 0755)); });
     EXPECT_EQ(child.out, "0");
     EXPECT_EQ(child.err, "gfile:gfile_expand_dir could not expand TQL_NOSUCH\n");
 
@@ -115,9 +112,7 @@ TEST(GfileDirectories, SizesAndPaths)
     {
         ScopedCurrentDirectory cd(dir.path());
         std::string expected = fs::current_path().string() + "/";
-        for (char& c : expected) {
-            c = c == '/' ? '\\' : c;
-        }
+        for (char& c : expected) c = c == '/' ? '\\' : c;
         EXPECT_EQ(gfile_getdefpath(buffer, sizeof buffer), 1);
         EXPECT_EQ(std::string(buffer), expected);
         EXPECT_EQ(gfile_getdefpath(buffer, static_cast<int>(expected.size())), 0); // no room for the NUL

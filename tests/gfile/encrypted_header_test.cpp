@@ -17,18 +17,13 @@ namespace {
 int g_mode = -1;
 std::string g_cipher;
 
-void record_mode(int mode)
-{
-    g_mode = mode;
-}
+void record_mode(int mode) { g_mode = mode; }
 
 // Accepts cipher text "ok:<plain>".
 bool test_decrypt(const char* cipher, std::string& plain)
 {
     g_cipher = cipher;
-    if (std::string(cipher).rfind("ok:", 0) != 0) {
-        return false;
-    }
+    if (std::string(cipher).rfind("ok:", 0) != 0) return false;
     plain = cipher + 3;
     return true;
 }

@@ -18,9 +18,7 @@ std::vector<std::string> limited_lines(const std::string& file, int n = GFILE_LI
     EXPECT_EQ(gfile_filopn(&fp, file.c_str(), GFILE_READ), 1);
     std::vector<std::string> lines;
     std::vector<char> buf(n);
-    while (gfile_getline_limited(fp, buf.data(), n)) {
-        lines.push_back(buf.data());
-    }
+    while (gfile_getline_limited(fp, buf.data(), n)) lines.push_back(buf.data());
     gfile_filcls(fp);
     return lines;
 }
@@ -31,9 +29,7 @@ std::vector<std::string> string_lines(const std::string& file)
     gfile_filopn(&fp, file.c_str(), GFILE_READ);
     std::vector<std::string> lines;
     std::string line = "stale";
-    while (gfile_getline_std_string(fp, &line)) {
-        lines.push_back(line);
-    }
+    while (gfile_getline_std_string(fp, &line)) lines.push_back(line);
     gfile_filcls(fp);
     return lines;
 }

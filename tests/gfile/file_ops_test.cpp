@@ -25,11 +25,7 @@ namespace fs = std::filesystem;
 TEST(GfileWildcard, Matching)
 {
     using tql::gfile::wildcard_match;
-    struct Case {
-        const char* name;
-        const char* pattern;
-        bool match;
-    } cases[] = {
+    struct Case { const char* name; const char* pattern; bool match; } cases[] = {
         {"abc", "a*c", true},  {"ac", "a*c", true},   {"abd", "a*c", false}, {"", "*", true},
         {"", "", true},        {"", "?", false},      {"x.txt", "*.txt", true}, {"X.TXT", "*.txt", false},
         {"abc", "a?c", true},  {"ab", "a?c", false},  {"a", "a**", false},   {"ab", "*?", false},

@@ -158,18 +158,13 @@ TEST_F(GfileTree, LinksInsideTreesAreCopiedAsLinks)
 {
     const std::string outside = dir_.path() + "/outside";
     dir_.write_file("outside/big.txt", "o");
-    const struct {
-        const char* name;
-        std::string target;
-    } cases[] = {
+    const struct { const char* name; std::string target; } cases[] = {
         {"to_outside", outside},    // would copy a folder into the tree
         {"to_ancestor", ".."},      // a loop through the tree's own parent
         {"ping", "pong"},           // two links naming each other
         {"pong", "ping"},
     };
-    for (const auto& c : cases) {
-        fs::create_symlink(c.target, src_ + "/sub/" + c.name);
-    }
+    for (const auto& c : cases) fs::create_symlink(c.target, src_ + "/sub/" + c.name);
     const std::string copy = dir_.path() + "/copy";
     ASSERT_EQ(gfile_cp(src_.c_str(), copy.c_str(), 1), 1);
     EXPECT_EQ(tree(copy), tree(src_));
@@ -186,10 +181,7 @@ TEST_F(GfileTree, LinksInsideTreesAreCopiedAsLinks)
 
 TEST(GfileTreeDepth, LongAndDeepTreesAreCopiedMeasuredAndRemoved)
 {
-    const struct {
-        int levels;
-        std::string name;
-    } cases[] = {
+    const struct { int levels; std::string name; } cases[] = {
         {6, std::string(200, 'n')}, // inner paths over 1 KB
         {2000, "dd"},               // 2,000 levels, over the system's path limit
     };
@@ -241,9 +233,7 @@ TEST_F(GfileTree, WalkFailureNamesTheEntryAndTheReason)
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.what);
-        if (!c.as_root && geteuid() == 0) {
-            continue;
-        }
+        if (!c.as_root && geteuid() == 0) continue;
         fs::remove_all(out);
         c.prepare();
         gerror_set_all_errors(0, 0);

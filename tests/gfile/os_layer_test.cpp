@@ -20,9 +20,7 @@ std::set<std::string> listing(const std::string& path)
 {
     std::set<std::string> names;
     tql_DIR* dir = tql_opendir(path.c_str());
-    if (!dir) {
-        return {"<null>"};
-    }
+    if (!dir) return {"<null>"};
     while (tql_dirent* entry = tql_readdir(dir)) {
         EXPECT_EQ(entry->d_namlen, std::string(entry->d_name).size());
         names.insert(entry->d_name);

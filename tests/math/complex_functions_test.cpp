@@ -16,13 +16,7 @@ using SingleMember = void (*)(float, float, float*, float*);
 // `oracle` gives the expected value; for the inverse functions, whose
 // logarithmic formulas may pick another branch than std::complex (acos of
 // -0.5+0.3i), it is the forward function, which must map the result back.
-struct Member {
-    const char* name;
-    DoubleMember d;
-    SingleMember s;
-    Z (*oracle)(const Z&);
-    bool inverse = false;
-};
+struct Member { const char* name; DoubleMember d; SingleMember s; Z (*oracle)(const Z&); bool inverse = false; };
 
 Z sqr(const Z& z) { return z * z; }
 Z ten_to(const Z& z) { return std::pow(Z(10), z); }

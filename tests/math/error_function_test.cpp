@@ -10,11 +10,7 @@
 TEST_F(MathTest, ErrorFunctionFixedAnswers)
 {
     const double inf = std::numeric_limits<double>::infinity();
-    struct Case {
-        double x;
-        double erf;
-        double erfc;
-    };
+    struct Case { double x; double erf; double erfc; };
     const Case cases[] = {
         {6, 1, std::erfc(6.0)},      {-6, -1, 2},
         {inf, 1, 0},                 {-inf, -1, 2},
@@ -43,9 +39,7 @@ TEST_F(MathTest, ErrorFunctionAgreesWithTheCLibrary)
         xs.push_back(edge);
         xs.push_back(std::nextafter(edge, 0.0));
     }
-    for (double x = 1e-6; x < 26.5; x *= 1.001) {
-        xs.push_back(x);
-    }
+    for (double x = 1e-6; x < 26.5; x *= 1.001) xs.push_back(x);
     double worst_erf = 0;
     double worst_erfc = 0;
     for (double x : xs) {

@@ -14,12 +14,7 @@ TEST_F(MathTest, ErrorStateTransitionsReachTheUserPointer)
     int user = 7;
     EXPECT_EQ(gmath_set_usererr(&user), &user);
     float re = 0;
-    struct Step {
-        const char* what;
-        std::function<void()> call;
-        int error;
-        int user;
-    };
+    struct Step { const char* what; std::function<void()> call; int error; int user; };
     const Step steps[] = {
         {"a good call leaves the user flag alone", [] { gmath_snolog(2); }, 0, 7},
         {"a domain error raises both", [] { gmath_snolog(0); }, 1, 1},
@@ -71,22 +66,14 @@ TEST_F(MathTest, ResultsIgnoreTrapsAndRoundingModes)
         [] { return double(gmath_eetrunc(1e10)); },
     };
     std::vector<double> expected;
-    for (const auto& call : calls) {
-        expected.push_back(call());
-    }
+    for (const auto& call : calls) expected.push_back(call());
     for (int mode : {FE_UPWARD, FE_DOWNWARD, FE_TOWARDZERO}) {
         SCOPED_TRACE(mode);
         const tql_test::ChildResult child = tql_test::run_in_child([&] {
             feenableexcept(FE_ALL_EXCEPT);
             std::fesetround(mode);
-            for (size_t i = 0; i < calls.size(); ++i) {
-                if (!(calls[i]() == expected[i])) {
-                    std::printf("call %zu differs\n", i);
-                }
-            }
-            if (fegetexcept() != FE_ALL_EXCEPT || std::fegetround() != mode) {
-                std::printf("environment not restored\n");
-            }
+            for (size_t i = 0; i < calls.size(); ++i) if (!(calls[i]() == expected[i])) std::printf("call %zu differs\n", i);
+            if (fegetexcept() != FE_ALL_EXCEPT || std::fegetround() != mode) std::printf("environment not restored\n");
         });
         ASSERT_TRUE(child.exited) << "signal " << child.signal;
         EXPECT_EQ(child.out, "");

@@ -22,9 +22,7 @@ inline double ulps_apart(double a, double b)
     std::int64_t i[2];
     std::memcpy(&i[0], &a, sizeof a);
     std::memcpy(&i[1], &b, sizeof b);
-    for (std::int64_t& v : i) {
-        v = v < 0 ? INT64_MIN - v : v;  // order the bit patterns like the values
-    }
+    for (std::int64_t& v : i) v = v < 0 ? INT64_MIN - v : v;  // order the bit patterns like the values
     return a == b ? 0 : std::fabs(static_cast<double>(i[0] - i[1]));
 }
 

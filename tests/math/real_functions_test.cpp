@@ -12,26 +12,14 @@ const float kNan = std::numeric_limits<float>::quiet_NaN();
 const float kPi = static_cast<float>(M_PI);
 
 template <float (*F)(float)>
-float one(float x, float)
-{
-    return F(x);
-}
+float one(float x, float) { return F(x); }
 
-float c_library(double value)
-{
-    return static_cast<float>(value);
-}
+float c_library(double value) { return static_cast<float>(value); }
 } // namespace
 
 TEST_F(MathTest, SingleFunctionsClampAndRejectTheirDomainEdges)
 {
-    struct Case {
-        const char* name;
-        float (*f)(float, float);
-        float a, b;
-        float expected;
-        bool domain_error;
-    };
+    struct Case { const char* name; float (*f)(float, float); float a, b; float expected; bool domain_error; };
     const Case cases[] = {
         {"log", one<gmath_snolog>, 2, 0, c_library(std::log(2.0)), false}, {"log", one<gmath_snolog>, 0, 0, 0, true},
         {"log", one<gmath_snolog>, -0.0f, 0, 0, true}, {"log", one<gmath_snolog>, kInf, 0, 1e38f, false},
@@ -77,13 +65,7 @@ TEST_F(MathTest, SingleFunctionsClampAndRejectTheirDomainEdges)
 
 TEST_F(MathTest, DoubleHelpersFollowTheCLibraryInsideTheirDomains)
 {
-    struct Case {
-        const char* name;
-        double (*f)(double, double);
-        double y, x;
-        double expected;
-        bool domain_error;
-    };
+    struct Case { const char* name; double (*f)(double, double); double y, x; double expected; bool domain_error; };
     double (*acosh)(double, double) = [](double x, double) { return gmath_dnoacosh(x); };
     double (*atanh)(double, double) = [](double x, double) { return gmath_dnoatanh(x); };
     double (*asinh)(double, double) = [](double x, double) { return gmath_dnoasinh(x); };

@@ -6,11 +6,7 @@
 
 TEST_F(MathTest, RoundingAndTruncationSaturateSymmetrically)
 {
-    struct Case {
-        double x;
-        int rounded;
-        int truncated;
-    };
+    struct Case { double x; int rounded; int truncated; };
     const double inf = std::numeric_limits<double>::infinity();
     const Case cases[] = {
         {2.5, 3, 2}, {-2.5, -3, -2}, {0.5, 1, 0}, {-0.5, -1, 0},

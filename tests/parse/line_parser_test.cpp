@@ -23,9 +23,7 @@ std::vector<Field> fixed_fields(const char* line, const char* seps, const char* 
     static parserec rec;
     EXPECT_EQ(gparse_parline(line, seps, marks, endc, &rec), 1u);
     std::vector<Field> out;
-    for (unsigned int i = 0; i < rec.count; ++i) {
-        out.push_back({rec.fields[i].start, rec.fields[i].end});
-    }
+    for (unsigned int i = 0; i < rec.count; ++i) out.push_back({rec.fields[i].start, rec.fields[i].end});
     return out;
 }
 
@@ -37,9 +35,7 @@ std::vector<Field> mem_fields(Parse parse, Free release, const char* line, const
     gparse_init_parserecMem(&rec);
     EXPECT_EQ(parse(line, seps, marks, endc, &rec), 1u);
     std::vector<Field> out;
-    for (unsigned int i = 0; i < rec.count; ++i) {
-        out.push_back({rec.fields[i].start, rec.fields[i].end});
-    }
+    for (unsigned int i = 0; i < rec.count; ++i) out.push_back({rec.fields[i].start, rec.fields[i].end});
     EXPECT_EQ(release(&rec), 1u);
     return out;
 }
@@ -47,13 +43,7 @@ std::vector<Field> mem_fields(Parse parse, Free release, const char* line, const
 TEST(LineParser, CuttingIsTheSameInEveryFamily)
 {
     using V = std::vector<Field>;
-    struct Case {
-        const char* line;
-        const char* seps;
-        const char* marks;
-        char endc;
-        V fields;
-    } cases[] = {
+    struct Case { const char* line; const char* seps; const char* marks; char endc; V fields; } cases[] = {
         {"  a  b  ", " ", "", 0, V{{2, 2}, {5, 5}}}, {"a=b", " ", "=", 0, V{{0, 0}, {1, 1}, {2, 2}}},
         {"x;y!comment", ";", "", '!', V{{0, 0}, {2, 2}}}, {"key==v", " ", "=", 0, V{{0, 2}, {3, 3}, {4, 4}, {5, 5}}},
         {"   ", " ", "", 0, V{}},
@@ -81,12 +71,7 @@ TEST(LineParser, CuttingIsTheSameInEveryFamily)
 
 TEST(LineParser, TypingAndExtraction)
 {
-    struct Case {
-        const char* text;
-        int is_int;
-        int is_num;
-        double value;
-    } cases[] = {
+    struct Case { const char* text; int is_int; int is_num; double value; } cases[] = {
         {"-3.", 1, 1, -3},   {"1e3", 1, 1, 1000}, {".5", 0, 1, 0.5}, {"2147483647", 1, 1, 2147483647.0},
         {"-2147483648", 0, 1, -2147483648.0},    {"1e", 0, 0, 0},    {"1e400", 0, 1, HUGE_VAL}, {"0x10", 0, 0, 0},
     };
@@ -131,9 +116,7 @@ TEST(LineParser, TypingAndExtraction)
 TEST(LineParser, FieldLimitOfTheFixedRecord)
 {
     std::string line;
-    for (int i = 0; i < 400; ++i) {
-        line += "w ";
-    }
+    for (int i = 0; i < 400; ++i) line += "w ";
     parserec rec;
     EXPECT_EQ(gparse_parline(line.c_str(), " ", "", 0, &rec), 1u);
     EXPECT_EQ(rec.count, 300u);

@@ -10,11 +10,7 @@
 
 TEST(NaturalCompare, OrderTable)
 {
-    struct Case {
-        const char* a;
-        const char* b;
-        int expected;
-    };
+    struct Case { const char* a; const char* b; int expected; };
     const Case cases[] = {
         {"file9", "file10", -1},
         {"file10.txt", "file9.txt", 1},    // same text after the numbers: by value
@@ -45,12 +41,7 @@ TEST(NaturalCompare, LongDigitRuns)
 
 TEST(NaturalCompareDigitRun, ReadsTheRun)
 {
-    struct Case {
-        const char* text;
-        int from, to;
-        int value;
-        int end;
-    };
+    struct Case { const char* text; int from, to; int value; int end; };
     const Case cases[] = {
         {"abc123def", 3, 9, 123, 6}, {"12345", 1, 3, 23, 3}, {"abc", 1, 3, 0, 1}, {"123", 3, 1, 0, 3},
         {"12", 0, 100, 12, 2}, {"\xb2" "1", 0, 2, 0, 0}, {"42", -3, 2, 42, 2}, {"2147483648", 0, 10, INT_MAX, 10},
@@ -73,11 +64,7 @@ TEST(NaturalCompareDigitRun, ReadsTheRun)
 
 TEST(NaturalCompareDigitRun, AllDigits)
 {
-    struct Case {
-        const char* text;
-        int from, to;
-        int expected;
-    };
+    struct Case { const char* text; int from, to; int expected; };
     const Case cases[] = {
         {"12a45", 0, 2, 1}, {"12a45", 0, 3, 0}, {"12a45", 4, 1, 1}, // empty range
         {"12", 0, 5, 0},                      // the NUL is no digit; nothing read past it

@@ -18,12 +18,7 @@ namespace {
 
 using Call = std::function<unsigned int(char* out)>;
 
-struct Case {
-    const char* label;
-    Call call;
-    unsigned int status;
-    std::string text;
-};
+struct Case { const char* label; Call call; unsigned int status; std::string text; };
 
 void check(const Case& c)
 {
@@ -52,9 +47,7 @@ TEST(NumberFormatInteger, DigitsWithinTheWidth)
         {"-45 in 3", int_(-45, 3), 1, "-45"}, {"0 in 1", int_(0, 1), 1, "0"},
         {"most negative", int_(INT_MIN, 11), 1, "-2147483648"}, {"most negative in 10", int_(INT_MIN, 10), 0, ""},
     };
-    for (const Case& c : cases) {
-        check(c);
-    }
+    for (const Case& c : cases) check(c);
 }
 
 TEST(NumberFormatInteger, FailureWriteRules)
@@ -88,9 +81,7 @@ TEST(NumberFormatFixed, DoubleWithExponentFallback)
         {"width 8 too narrow", dbl(123.456, 8, -1), 0, ""}, {"width 9", dbl(123.456, 9, -1), 1, "1.2e+002"},
         {"past 17 decimals", dbl(0.1, 40, 25), 1, "0.1000000000000000100000000"}, {"NaN", dbl(NAN, 20, 2), 0, ""},
     };
-    for (const Case& c : cases) {
-        check(c);
-    }
+    for (const Case& c : cases) check(c);
     char wide[400];
     ASSERT_EQ(gparse_dbltoas(1e300, 380, 2, wide), 1u);
     EXPECT_EQ(std::strlen(wide), 304u);
@@ -111,16 +102,12 @@ TEST(NumberFormatFixed, FloatMaxPrecisionAndFixedOnly)
         {"xx no exponent", dxx(1e300, 10, 2), 0, ""}, {"xx d < 0", dxx(123.0, 10, -1), 1, "1.23e+002"},
         {"xx float d < 0", fxx(123.0f, 10, -1), 1, "1.230e+02"},
     };
-    for (const Case& c : cases) {
-        check(c);
-    }
+    for (const Case& c : cases) check(c);
 }
 
 TEST(NumberFormatEFormat, MantissaAndPowerOfTen)
 {
-    const struct {
-        double value, mantissa, exponent;
-    } cases[] = {
+    const struct { double value, mantissa, exponent; } cases[] = {
         {0.0, 10.0, -99}, {-1e-100, -10.0, -99}, {1.1e-99, 1.1, -99}, {0.002, 2.0, -3}, {-50, -5.0, 1},
         {1000, 1.0, 3}, {9.99, 9.99, 0},
     };
@@ -143,12 +130,7 @@ TEST(NumberStrip, RewritesNumberTexts)
     const Rewrite zeros = gparse_cnvt_string_stripped_zeros;
     const Rewrite from_e = gparse_cnvt_from_e_to_string;
     const Rewrite both = gparse_cnvt_string_string_stripped;
-    const struct {
-        Rewrite rewrite;
-        const char* text;
-        unsigned int status;
-        const char* expected;
-    } cases[] = {
+    const struct { Rewrite rewrite; const char* text; unsigned int status; const char* expected; } cases[] = {
         {zeros, "007.500", 1, "7.5"}, {zeros, "-1.50E+003", 1, "-1.5e3"}, {zeros, "100", 1, "100"},
         {zeros, "-0.000", 1, "0"}, {zeros, "  0.050 ", 1, "0.05"}, {from_e, " 1e2", 0, " "}, {zeros, ".50", 1, "0.5"}, {zeros, "1.0e0", 1, "1"}, {zeros, "1e", 0, "1e"},
         {from_e, "1.50e1", 1, "15.0"}, {from_e, "-5E-3", 1, "-0.005"}, {from_e, "0012.5e-1", 1, "1.25"},

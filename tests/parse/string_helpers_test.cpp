@@ -28,9 +28,7 @@ void run(const WriteCase& c)
     SCOPED_TRACE(c.label);
     char buffer[64];
     std::memset(buffer, '#', sizeof buffer);
-    if (c.initial) {
-        std::memcpy(buffer, c.initial, std::strlen(c.initial) + 1);
-    }
+    if (c.initial) std::memcpy(buffer, c.initial, std::strlen(c.initial) + 1);
     const std::string before(buffer, sizeof buffer);
     c.call(buffer);
     const std::string after(buffer, sizeof buffer);
@@ -72,9 +70,7 @@ TEST(GparseStringHelpersCopy, DistinctBuffers)
         {"strpbl keeps tabs", nullptr, [](char* o) { gparse_strpbl("\t a \t", o); }, "\t a \t\0"s},
         {"strpbl null writes nothing", "xy", [](char* o) { gparse_strpbl(nullptr, o); }, ""},
     };
-    for (const WriteCase& c : cases) {
-        run(c);
-    }
+    for (const WriteCase& c : cases) run(c);
 }
 
 TEST(GparseStringHelpersCopy, InPlace)
@@ -94,9 +90,7 @@ TEST(GparseStringHelpersCopy, InPlace)
         {"setstrlength beyond the text", "ab", [](char* b) { EXPECT_EQ(gparse_setstrlength(b, 4), b); }, "ab\0#\0"s},
         {"setstrlength negative", "ab", [](char* b) { EXPECT_EQ(gparse_setstrlength(b, -1), b); }, ""},
     };
-    for (const WriteCase& c : cases) {
-        run(c);
-    }
+    for (const WriteCase& c : cases) run(c);
     gparse_strptab(nullptr);
     EXPECT_EQ(gparse_setstrlength(nullptr, 2), nullptr);
 }
@@ -115,11 +109,7 @@ TEST(GparseStringHelpersCase, AsciiOnlyAndEndPointer)
 
 TEST(GparseStringHelpersCompare, Tables)
 {
-    struct Case {
-        const char* a;
-        const char* b;
-        int eqlstr, simstr, simstr2, stricmp;
-    };
+    struct Case { const char* a; const char* b; int eqlstr, simstr, simstr2, stricmp; };
     const Case cases[] = {
         {"abc", "ABC", 0, 1, 1, 0}, {nullptr, "", 1, 1, 1, 0}, {nullptr, "   ", 0, 1, 0, -' '},
         {"  abc ", "ABC", 0, 1, 0, ' ' - 'A'}, {"a b", "a  b", 0, 0, 0, 'B' - ' '},
@@ -147,8 +137,6 @@ TEST(GparseStringHelpersCompare, IntcmpAndTabpos)
     EXPECT_EQ(gparse_intcmp(-5, -5), 0);
     EXPECT_EQ(gparse_tabpos(INT_MIN) + gparse_tabpos(-16), 0);
     int count = 0;
-    for (int col = -1000; col <= 1000; ++col) {
-        count += gparse_tabpos(col);
-    }
+    for (int col = -1000; col <= 1000; ++col) count += gparse_tabpos(col);
     EXPECT_EQ(count, 34); // -8 and the 33 columns 0, 8, ..., 256
 }

@@ -18,9 +18,7 @@ namespace fs = std::filesystem;
 // The library form of a native absolute path.
 std::string library_form(std::string path)
 {
-    for (char& c : path) {
-        c = c == '/' ? '\\' : c;
-    }
+    for (char& c : path) c = c == '/' ? '\\' : c;
     return path;
 }
 
@@ -33,10 +31,7 @@ std::string fixed(const char* path)
 
 TEST(PathCanonical, FixupPath)
 {
-    struct Case {
-        const char* in;
-        const char* out;
-    } cases[] = {
+    struct Case { const char* in; const char* out; } cases[] = {
         {"a//b/./c/", "a\\b\\c"}, {"\\\\srv\\share\\", "\\\\srv\\share"}, {"//srv/share", "\\srv\\share"},
         {"a\\.", "a\\."},       {"\\", ""},                                {"//.//x", "\\x"},
         {"\\\\", ""},           {"a\\.\\", "a"},
@@ -57,10 +52,7 @@ TEST(PathCanonical, CanonicalPathJoinsTheCurrentDirectory)
     EXPECT_EQ(ZQ_canonical_path("./", out), nullptr);
     EXPECT_STREQ(out, "untouched");
     EXPECT_EQ(ZQ_canonical_path(nullptr, out), nullptr);
-    struct Case {
-        const char* in;
-        std::string out;
-    } cases[] = {
+    struct Case { const char* in; std::string out; } cases[] = {
         {".", here + "\\."}, {"././a", here + "\\a"}, {"../x", here + "\\..\\x"}, {"/abs/./z/", "\\abs\\z"},
     };
     for (const Case& c : cases) {

@@ -33,12 +33,7 @@ TEST(FindFile, SearchesThePathListInOrder)
     fs::create_symlink(b + "/tool.cfg", a + "/linked.cfg");
 
     const std::string list = a + ";" + b + "//";
-    auto library = [](std::string path) {
-        for (char& c : path) {
-            c = c == '/' ? '\\' : c;
-        }
-        return path;
-    };
+    auto library = [](std::string path) { for (char& c : path) c = c == '/' ? '\\' : c; return path; };
     EXPECT_EQ(found("tool.cfg", list, 0), library(b) + "\\tool.cfg");
     EXPECT_EQ(found("linked.cfg", list, 0), "<none>"); // links to files are refused
     EXPECT_EQ(found("sub", list, 0), "<none>");

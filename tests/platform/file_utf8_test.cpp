@@ -30,9 +30,7 @@ std::string library_form(const std::string& native)
 std::string first_line(const std::string& name)
 {
     FILE* f = fopen_utf8(name.c_str(), "r");
-    if (!f) {
-        return "<not opened>";
-    }
+    if (!f) return "<not opened>";
     char line[256] = "";
     std::fgets(line, sizeof line, f);
     std::fclose(f);
@@ -113,8 +111,6 @@ TEST(FileUtf8, FileSizeIncludingSizesBeyondTwoGigabytes)
     const long long big = 3LL * 1024 * 1024 * 1024 + 7;
     const int rc = ::ftruncate(fd, static_cast<off_t>(big));
     ::close(fd);
-    if (rc != 0) {
-        GTEST_SKIP() << "the temporary file system cannot hold a sparse file of 3 GiB";
-    }
+    if (rc != 0) GTEST_SKIP() << "the temporary file system cannot hold a sparse file of 3 GiB";
     EXPECT_EQ(filesize_utf8((base + "\\sparse").c_str()), big);
 }

@@ -11,10 +11,7 @@
 
 namespace {
 
-struct NameCase {
-    const char* in;
-    const char* native;
-};
+struct NameCase { const char* in; const char* native; };
 
 const NameCase kCases[] = {
     {"C:\\a\\b", "/a/b"}, {"C:", "/"}, {"C:\\", "/"}, {"C:/", "/"}, {"C:a", "a"}, {"C:a\\b", "a/b"},

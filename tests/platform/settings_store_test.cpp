@@ -39,9 +39,7 @@ TEST(SettingsStore, EnvironmentFirstThenUserThenEachSystemFolder)
     dir.write_file("sys3/" + kStoreFile, "[General]\nTQLS_S13=third\nTQLS_S3=three\n");
     ScopedEnv dirs("XDG_CONFIG_DIRS", dir.path() + "/sys1:" + dir.path() + "/sys2::" + dir.path() + "/sys3");
     ScopedEnv env("TQLS_ENV", std::string("env"));
-    for (const char* name : {"TQLS_USER", "TQLS_SHARED", "TQLS_S1", "TQLS_S13", "TQLS_S3", "TQLS_NONE"}) {
-        unsetenv(name);
-    }
+    for (const char* name : {"TQLS_USER", "TQLS_SHARED", "TQLS_S1", "TQLS_S13", "TQLS_S3", "TQLS_NONE"}) unsetenv(name);
     EXPECT_EQ(lookup("TQLS_ENV") + lookup("TQLS_USER") + lookup("TQLS_SHARED"), "envufrom-user");
     EXPECT_EQ(lookup("TQLS_S13") + lookup("TQLS_S3"), "firstthree");
     EXPECT_EQ(lookup("TQLS_NONE"), "<missing>");

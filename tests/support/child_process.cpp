@@ -66,12 +66,8 @@ ChildResult run_in_child(const std::function<void()>& body, int timeout_seconds)
         pollfd fds[2] = {{out_pipe[0], POLLIN, 0}, {err_pipe[0], POLLIN, 0}};
         const int ready = poll(fds, 2, 100);
         if (ready > 0) {
-            if (out_open && fds[0].revents) {
-                drain(out_pipe[0], result.out, out_open);
-            }
-            if (err_open && fds[1].revents) {
-                drain(err_pipe[0], result.err, err_open);
-            }
+            if (out_open && fds[0].revents) drain(out_pipe[0], result.out, out_open);
+            if (err_open && fds[1].revents) drain(err_pipe[0], result.err, err_open);
         }
         if (time(nullptr) > deadline) {
             kill(pid, SIGKILL);

@@ -14,9 +14,7 @@ namespace tql_test {
 TempDir::TempDir()
 {
     std::string pattern = (fs::temp_directory_path() / "tql70-test-XXXXXX").string();
-    if (!mkdtemp(&pattern[0])) {
-        throw std::runtime_error("mkdtemp failed");
-    }
+    if (!mkdtemp(&pattern[0])) throw std::runtime_error("mkdtemp failed");
     path_ = pattern;
 }
 
@@ -49,23 +47,15 @@ std::string read_file(const std::string& path)
 
 ScopedEnv::ScopedEnv(const std::string& name, const std::optional<std::string>& value) : name_(name)
 {
-    if (const char* old = std::getenv(name.c_str())) {
-        saved_ = old;
-    }
-    if (value) {
-        setenv(name.c_str(), value->c_str(), 1);
-    } else {
-        unsetenv(name.c_str());
-    }
+    if (const char* old = std::getenv(name.c_str())) saved_ = old;
+    if (value) setenv(name.c_str(), value->c_str(), 1);
+    else unsetenv(name.c_str());
 }
 
 ScopedEnv::~ScopedEnv()
 {
-    if (saved_) {
-        setenv(name_.c_str(), saved_->c_str(), 1);
-    } else {
-        unsetenv(name_.c_str());
-    }
+    if (saved_) setenv(name_.c_str(), saved_->c_str(), 1);
+    else unsetenv(name_.c_str());
 }
 
 ScopedCurrentDirectory::ScopedCurrentDirectory(const std::string& directory)
@@ -85,9 +75,7 @@ namespace {
 void write_store(const TempDir& dir, const std::string& folder, ScopedSettingsStore::Keys keys)
 {
     std::string text = "[General]\n";
-    for (const auto& [key, value] : keys) {
-        text += key + "=" + value + "\n";
-    }
+    for (const auto& [key, value] : keys) text += key + "=" + value + "\n";
     dir.write_file(folder + "/zqtarvex/environment.ini", text);
 }
 

@@ -10,8 +10,6 @@ int main(void)
     char native[8];
     printf("%s\n", kps_version_str("consumer"));
     gerror_set_error(22);
-    if (strcmp(gerror_get_error_message(), "Cannot find file") != 0) {
-        return 1;
-    }
+    if (strcmp(gerror_get_error_message(), "Cannot find file") != 0) return 1;
     return strcmp(tql_native_path("C:\\x", native), "/x") == 0 ? 0 : 1;
 }
