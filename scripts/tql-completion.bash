@@ -7,7 +7,7 @@ _tql()
     prev="${COMP_WORDS[COMP_CWORD-1]}"
     command="${COMP_WORDS[1]}"
     if [ "$COMP_CWORD" -eq 1 ]; then
-        COMPREPLY=($(compgen -W "env version getenv errors expand name parse num cp rm du df math path grep crypt --help" -- "$cur"))
+        COMPREPLY=($(compgen -W "env version getenv errors expand name parse num cp rm du df math path grep crypt hash msg prj help --help --version" -- "$cur"))
         return
     fi
     case "$prev" in
@@ -16,9 +16,23 @@ _tql()
     case "$command" in
         env)
             if [ "$COMP_CWORD" -eq 2 ]; then
-                COMPREPLY=($(compgen -W "get set rm files" -- "$cur"))
+                COMPREPLY=($(compgen -W "get set rm files check --help" -- "$cur"))
             else
-                COMPREPLY=($(compgen -W "--level --save" -- "$cur"))
+                COMPREPLY=($(compgen -W "--level --save --help" -- "$cur"))
+            fi ;;
+        help) [ "$COMP_CWORD" -eq 2 ] && COMPREPLY=($(compgen -W "env version getenv errors expand name parse num cp rm du df math path grep crypt hash msg prj" -- "$cur")) ;;
+        hash)
+            if [ "$COMP_CWORD" -eq 2 ]; then
+                COMPREPLY=($(compgen -W "dump get put stat --help" -- "$cur"))
+            else
+                COMPREPLY=($(compgen -f -- "$cur"))
+            fi ;;
+        msg) COMPREPLY=($(compgen -W "list --lang --help" -- "$cur")) ;;
+        prj)
+            if [ "$COMP_CWORD" -eq 2 ]; then
+                COMPREPLY=($(compgen -W "new test copy rm info --help" -- "$cur"))
+            else
+                COMPREPLY=($(compgen -W "--subdirs --copy --overwrite" -d -- "$cur"))
             fi ;;
         name)
             case "$COMP_CWORD" in
@@ -31,9 +45,9 @@ _tql()
         crypt) [ "$COMP_CWORD" -eq 2 ] && COMPREPLY=($(compgen -W "encrypt decrypt header" -- "$cur")) ;;
         math)
             [ "$COMP_CWORD" -eq 2 ] && COMPREPLY=($(compgen -W "cdnolog snopwr eeround" -- "$cur")) ;;
-        parse) COMPREPLY=($(compgen -W "--seps --marks --end" -f -- "$cur")) ;;
-        grep) COMPREPLY=($(compgen -W "-o -s" -f -- "$cur")) ;;
-        cp|rm) COMPREPLY=($(compgen -W "-r" -f -- "$cur")) ;;
+        parse) COMPREPLY=($(compgen -W "--seps --marks --end --help" -f -- "$cur")) ;;
+        grep) COMPREPLY=($(compgen -W "-o -s --help" -f -- "$cur")) ;;
+        cp|rm) COMPREPLY=($(compgen -W "-r --help" -f -- "$cur")) ;;
         du|df) COMPREPLY=($(compgen -d -- "$cur")) ;;
     esac
 }

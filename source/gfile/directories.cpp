@@ -6,6 +6,7 @@
 #include <tql70/tql_os.h>
 #include <tql70/zq_paths.h>
 
+#include "gfile/gfile_internal.h"
 #include "platform/platform.h"
 
 #include <cctype>
@@ -151,6 +152,7 @@ long long tree_bytes(const std::string& directory)
         }
         const std::string name = std::move(pending.back().back());
         pending.back().pop_back();
+        tql::gfile::walk_reached(walk.name_of(name));
         struct stat st;
         if (walk.status(name, true, st)) {
             total += st.st_size;

@@ -19,6 +19,9 @@ using namespace tql::gfile;
 
 namespace {
 
+// Set once by a program before it walks; the walks only read it.
+WalkObserver walk_observer = nullptr;
+
 // A working copy of a caller's name: '\' separators throughout (so names
 // with either separator work alike) and one trailing separator removed.
 std::string working_name(const char* path)
@@ -213,6 +216,7 @@ bool copy_walk(const std::string& source, const char* pattern, const std::string
             continue;
         }
         const std::string name = level.names[level.next++];
+        walk_reached(from.name_of(name));
         if (!copy_entry(from, to, name, recursive, pending)) {
             return false;
         }
@@ -264,6 +268,7 @@ bool remove_walk(const std::string& directory, const char* pattern, bool recursi
             continue;
         }
         const std::string name = level.names[level.next++];
+        walk_reached(walk.name_of(name));
         const EntryKind kind = walk.kind(name, false);
         if (kind == EntryKind::kMissing) {
             failed(walk.name_of(name), kCannotFind, __LINE__);
@@ -287,6 +292,22 @@ bool remove_walk(const std::string& directory, const char* pattern, bool recursi
 }
 
 } // namespace
+
+namespace tql::gfile {
+
+void set_walk_observer(WalkObserver observer)
+{
+    walk_observer = observer;
+}
+
+void walk_reached(const std::string& name)
+{
+    if (walk_observer) {
+        walk_observer(name);
+    }
+}
+
+} // namespace tql::gfile
 
 extern "C" {
 

@@ -32,6 +32,14 @@ void fail(int code, int line);
 void fail_at(const std::string& name, int code, int line);
 void forget_failed_name();
 
+// An observer of the tree walks of gfile_cp, gfile_rm and gfile_dirsize,
+// called with each entry (library form) as the walk reaches it; null (the
+// default) for none. Not exported: the tql tool sets it to show progress.
+using WalkObserver = void (*)(const std::string& name);
+void set_walk_observer(WalkObserver observer);
+// Tells the observer, if one is set, that a walk reached `name`.
+void walk_reached(const std::string& name);
+
 // Whether `name` holds '*' or '?'.
 bool has_wildcard(const char* name);
 

@@ -9,7 +9,9 @@
 #include <cstdio>
 #include <string>
 #include <sys/stat.h>
+#include <pty.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 namespace {
 
@@ -65,7 +67,8 @@ TEST(TqlTool, InformationCommands)
     tql_test::ScopedEnv set("TQL_TOOL_SET", std::string("/opt/zq"));
     tql_test::ScopedEnv unset("TQL_TOOL_UNSET", std::nullopt);
     const ToolCase runs[] = {
-        {"--help", 0, "tql getenv NAME"},
+        {"--help", 0, "\n  getenv    print a process variable"},
+        {"--version", 0, std::string(kps_version_str("")) + "\n", true},
         {"version", 0, std::string(kps_version_str("")) + "\n", true},
         {"getenv TQL_TOOL_SET", 0, "/opt/zq\n", true},
         {"getenv TQL_TOOL_STORED", 0, "from-store\n", true},
@@ -115,20 +118,22 @@ TEST(TqlTool, EnvironmentCommands)
     tql_test::ScopedEnv root("ZQTARVEX_DIR", dir.path() + "/root");
     tql_test::ScopedEnv custom("KPS_CUSTOM_DIR", std::nullopt);
     tql_test::ScopedCurrentDirectory cwd(dir.path());
-    dir.write_file("root/config/zqtarvex.cfg", "EDITOR=vi\nDIR=%EDITOR.d\n");
+    dir.write_file("root/config/zqtarvex.cfg", "EDITOR=vi\nDIR=%EDITOR.d\nBIN=C:\\t\\bin\nTOOL=%BIN\\tql\n");
     dir.write_file("zqtarvex.cfg", "EDITOR=nano\n");
     const std::string site = dir.path() + "/root/config/zqtarvex.cfg";
     const ToolCase runs[] = {
         {"env", 0, "EDITOR=nano\n    from local level, zqtarvex.cfg\n    shadows site level, " + site + " (vi)\n"},
         {"env", 0, "DIR=%EDITOR.d\n    expands to: nano.d\n"},
+        {"env", 0, "BIN=C:\\t\\bin\n    native: /t/bin\n    from site"},
+        {"env TOOL", 0, "TOOL=%BIN\\tql\n    expands to: C:\\t\\bin\\tql  (native: /t/bin/tql)\n"},
         {"env get editor --level site", 0, "vi\n", true},
         {"env NOPE", 1, ""},
         {"env set NEW value --level local --save", 0, ""},
         {"env rm EDITOR --level local --save", 0, ""},
         {"env get EDITOR", 0, "vi\n", true},
         {"env get NEW", 0, "value\n", true},
-        {"env files", 0, "site    exists  " + site},
-        {"env files", 0, "home    missing " + dir.path() + "/home/zqtarvex/config/zqtarvex.cfg"},
+        {"env files", 0, "site    used               " + site},
+        {"env files", 0, "home    missing            " + dir.path() + "/home/zqtarvex/config/zqtarvex.cfg"},
         {"env set A --level nowhere", 2, ""},
     };
     for (const ToolCase& r : runs) {
@@ -160,26 +165,6 @@ TEST(TqlTool, NameParseAndNumberCommands)
     };
     for (const ToolCase& r : runs) {
         check(r);
-    }
-}
-
-TEST(TqlTool, BadArgumentsAreUsageErrors)
-{
-    const std::pair<const char*, const char*> cases[] = {
-        {"", "usage: tql COMMAND"},
-        {"frobnicate", "tql: unknown command 'frobnicate'"},
-        {"getenv", "tql: getenv takes one variable name\nusage: tql getenv NAME\n"},
-        {"version extra", "tql: version takes no arguments"},
-        {"errors extra", "tql: errors takes no arguments"},
-        {"expand", "tql: expand takes one text"},
-        {"cp a", "tql: cp takes a source and a destination"},
-        {"rm", "tql: rm takes one path"},
-        {"du", "tql: du takes one directory"},
-        {"df a b", "tql: df takes one directory"},
-        {"path up x", "tql: path takes 'native' or 'canon' and one path"},
-    };
-    for (const auto& [arguments, message] : cases) {
-        check({arguments, 2, message});
     }
 }
 
@@ -288,7 +273,7 @@ TEST(TqlTool, HashCommands)
         {"hash dump " + db, 0, "tab\\x09key\ta\\\\b\n"},
         {"hash stat " + db, 0, "pairs           2\n"},
         {"hash stat " + foreign, 1, "tql: cannot open " + foreign + ": Invalid argument\n", true},
-        {"hash get " + db, 2, "usage: tql hash"},
+        {"hash get " + db, 2, "Try 'tql hash --help'."},
     };
     for (const ToolCase& r : runs) {
         check(r);
@@ -364,7 +349,7 @@ TEST(TqlTool, EnvironmentCheckAndFailureMessages)
     EXPECT_NE(listing.out.find("tql: warning: cannot read " + dir.path() +
                                "/home/zqtarvex/config/zqtarvex.cfg: Is a directory\n"),
               std::string::npos);
-    EXPECT_NE(tql("env files").out.find("home    directory " + dir.path() + "/home/zqtarvex/config/zqtarvex.cfg"),
+    EXPECT_NE(tql("env files").out.find("home    not a regular file " + dir.path() + "/home/zqtarvex/config/zqtarvex.cfg"),
               std::string::npos);
 
     chmod((dir.path() + "/zqtarvex.cfg").c_str(), 0444);
@@ -380,3 +365,129 @@ TEST(TqlTool, EnvironmentCheckAndFailureMessages)
 }
 
 } // namespace
+
+// Every command's own help, a usage error and a failure, through the real
+// binary: status 0, 2 and 1, and the messages that go with them.
+TEST(TqlTool, EveryCommandHasHelpUsageErrorAndFailure)
+{
+    tql_test::TempDir dir;
+    tql_test::ScopedSettingsStore store({});
+    tql_test::ScopedEnv home("HOME", dir.path());
+    tql_test::ScopedEnv root("ZQTARVEX_DIR", dir.path() + "/site");
+    tql_test::ScopedEnv custom("KPS_CUSTOM_DIR", std::nullopt);
+    tql_test::ScopedEnv unset("TQL_TOOL_UNSET", std::nullopt);
+    tql_test::ScopedCurrentDirectory cwd(dir.path());
+    const std::string none = dir.path() + "/none";
+    const std::string db = dir.path() + "/t.db";
+    ASSERT_EQ(tql("hash put " + db + " k v").status, 0);
+    const struct {
+        const char* name;
+        std::string usage_error; // arguments after the name, and the message
+        const char* usage_message;
+        std::string failure; // arguments after the name; empty: cannot fail
+        std::string failure_message;
+    } cases[] = {
+        {"env", "get", "wrong number of arguments for env get", "NOPE", "tql: NOPE is not defined\n"},
+        {"version", "extra", "version takes no arguments", "", ""},
+        {"getenv", "", "getenv takes one variable name", "TQL_TOOL_UNSET", "tql: TQL_TOOL_UNSET is not defined\n"},
+        {"errors", "extra", "errors takes no arguments", "", ""},
+        {"expand", "", "expand takes one text", "'$TQL_TOOL_UNSET'", "tql: '$TQL_TOOL_UNSET' expands to nothing\n"},
+        {"name", "check planet x", "the kind is one of", "check identifier 1abc", "`1' illegal"},
+        {"parse", "--seps", "Missing value after '--seps'.", none, "tql: cannot open " + none + ": No such file or directory\n"},
+        {"num", "fmt x 10 2", "num takes fmt", "", ""},
+        {"cp", "--recursive a b", "Unknown option 'recursive'.", none + " " + dir.path() + "/x",
+         "tql: cannot copy " + none + ": No such file or directory\n"},
+        {"rm", "", "rm takes one path", dir.path(), "tql: cannot remove " + dir.path() + ": is a directory (-r for a tree)\n"},
+        {"du", "", "du takes one directory", none, "tql: " + none + " is not a directory\n"},
+        {"df", "a b", "df takes one directory", none, "tql: " + none + " is not a directory\n"},
+        {"math", "", "math takes a function name", "", ""},
+        {"path", "up x", "path takes 'native' or 'canon'", "canon ./", "tql: './' reduces to nothing\n"},
+        {"grep", "", "grep takes a pattern", "nothing " + db + ".absent", "tql: cannot read " + db + ".absent"},
+        {"crypt", "", "crypt takes encrypt or decrypt", "decrypt 'x*'", "unsupported character"},
+        {"hash", "", "hash takes dump FILE", "get " + db + " nokey", "tql: " + db + " has no key 'nokey'\n"},
+        {"msg", "", "msg takes a set", "errors 1", "tql: cannot open the message catalogue: "},
+        {"prj", "", "prj takes new, test", "test " + none, "tql: " + none + " is not a project: "},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        const std::string name = c.name;
+        const ToolRun help = tql(name + " --help", true);
+        EXPECT_EQ(help.status, 0);
+        EXPECT_EQ(help.out.rfind("usage: tql " + name, 0), 0u) << help.out;
+        EXPECT_NE(help.out.find("\nexample:\n  tql " + name), std::string::npos) << help.out;
+        EXPECT_NE(help.out.find("exit status: 0 done, 1 the operation failed, 2 a usage error\n"), std::string::npos);
+
+        const ToolRun wrong = tql(name + " " + c.usage_error, true);
+        const std::string try_help = "\nTry 'tql " + name + " --help'.\n";
+        EXPECT_EQ(wrong.status, 2);
+        EXPECT_EQ(wrong.out.rfind(std::string("tql: ") + c.usage_message, 0), 0u) << wrong.out;
+        ASSERT_GE(wrong.out.size(), try_help.size());
+        EXPECT_EQ(wrong.out.substr(wrong.out.size() - try_help.size()), try_help);
+
+        if (!c.failure.empty()) {
+            const ToolRun failed = tql(name + " " + c.failure, true);
+            EXPECT_EQ(failed.status, name == "grep" ? 2 : 1);
+            EXPECT_NE(failed.out.find(c.failure_message), std::string::npos) << failed.out;
+        }
+    }
+    const std::pair<const char*, const char*> global[] = {
+        {"", "tql: no command given\nTry 'tql --help'.\n"},
+        {"frobnicate", "tql: unknown command 'frobnicate'\nTry 'tql --help'.\n"},
+        {"--frobnicate", "tql: Unknown option 'frobnicate'.\nTry 'tql --help'.\n"},
+        {"help frobnicate", "tql: unknown command 'frobnicate'\nTry 'tql --help'.\n"},
+    };
+    for (const auto& [arguments, message] : global) {
+        check({arguments, 2, message, true});
+    }
+    check({"help cp", 0, "usage: tql cp SRC DST [-r]\n"});
+}
+
+// A tree walk shows its count and current entry on a terminal, and nothing
+// when standard error is not one; an empty configuration says where it
+// looked.
+TEST(TqlTool, ProgressOnlyOnATerminalAndAnEmptyEnvironmentSaysWhereItLooked)
+{
+    tql_test::TempDir dir;
+    dir.write_file("tree/a/one.txt", "1");
+    dir.write_file("tree/b/two.txt", "2");
+    const std::string tree = dir.path() + "/tree";
+    check({"cp -r " + tree + " " + dir.path() + "/copy", 0, "", true});
+    EXPECT_TRUE(gfile_is_dir((dir.path() + "/copy/b").c_str()));
+    check({"du " + tree, 0, "", false});
+    EXPECT_EQ(tql("du " + tree, true).out, tql("du " + tree).out);
+
+    int master = -1;
+    const pid_t child = forkpty(&master, nullptr, nullptr, nullptr);
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+        execl(TQL_BINARY, "tql", "rm", tree.c_str(), "-r", static_cast<char*>(nullptr));
+        _exit(127);
+    }
+    std::string shown;
+    char buffer[512];
+    ssize_t n;
+    while ((n = read(master, buffer, sizeof buffer)) > 0) {
+        shown.append(buffer, static_cast<size_t>(n));
+    }
+    int raw = 0;
+    waitpid(child, &raw, 0);
+    close(master);
+    EXPECT_TRUE(WIFEXITED(raw) && WEXITSTATUS(raw) == 0);
+    EXPECT_EQ(shown.rfind("\r\033[K1  " + tree + "/", 0), 0u) << shown;
+    ASSERT_GE(shown.size(), 4u);
+    EXPECT_EQ(shown.substr(shown.size() - 4), "\r\033[K");
+    EXPECT_FALSE(gfile_exists(tree.c_str()));
+
+    tql_test::ScopedSettingsStore store({});
+    tql_test::ScopedEnv home("HOME", dir.path());
+    tql_test::ScopedEnv root("ZQTARVEX_DIR", dir.path() + "/site");
+    tql_test::ScopedEnv custom("KPS_CUSTOM_DIR", std::nullopt);
+    tql_test::ScopedCurrentDirectory cwd(dir.path());
+    dir.write_file("site/config/zqtarvex.cfg/inside", "a directory where the file should be");
+    check({"env", 0,
+           "no configuration file defines a variable; the files looked for:\n"
+           "site    not a regular file " + dir.path() + "/site/config/zqtarvex.cfg (Is a directory)\n"
+           "custom  missing            " + dir.path() + "/site/custom/config/zqtarvex.cfg\n"
+           "home    missing            " + dir.path() + "/zqtarvex/config/zqtarvex.cfg\n"
+           "local   missing            zqtarvex.cfg\n"});
+}

@@ -3,22 +3,68 @@
 
 #include <tql70/tql70.h>
 
+#include "gfile/gfile_internal.h"
+
 #include <cstdio>
 #include <cstdlib>
+#include <algorithm>
+#include <cerrno>
+#include <chrono>
+#include <cstring>
+#include <unistd.h>
 #include <vector>
 
 namespace tql_tool {
 
 namespace {
 
-const Command& find(const char* name)
-{
-    for (const Command& command : commands()) {
-        if (std::string(command.name) == name) {
-            return command;
+// Progress of a tree walk on a terminal: the count of entries and the
+// current one, rewritten on one line of standard error at most ten times a
+// second. Nothing when standard error is not a terminal.
+class WalkProgress {
+public:
+    WalkProgress()
+    {
+        if (isatty(2)) {
+            tql::gfile::set_walk_observer(&WalkProgress::reached);
         }
     }
-    std::abort();
+    ~WalkProgress()
+    {
+        tql::gfile::set_walk_observer(nullptr);
+        if (count_ > 0 && isatty(2)) {
+            std::fprintf(stderr, "\r\033[K");
+        }
+    }
+    WalkProgress(const WalkProgress&) = delete;
+    WalkProgress& operator=(const WalkProgress&) = delete;
+
+private:
+    static void reached(const std::string& name)
+    {
+        ++count_;
+        const auto now = std::chrono::steady_clock::now();
+        if (now - shown_ >= std::chrono::milliseconds(100)) {
+            shown_ = now;
+            std::fprintf(stderr, "\r\033[K%lu  %s", count_, native(name).c_str());
+        }
+    }
+    static inline unsigned long count_ = 0;
+    static inline std::chrono::steady_clock::time_point shown_{};
+};
+
+// The result of `operation`, a tree walk, with its progress shown (and
+// cleared before anything else is printed).
+template <typename Operation>
+int walk(Operation operation)
+{
+    WalkProgress progress;
+    return operation();
+}
+
+const Command& find(const char* name)
+{
+    return *find_command(name);
 }
 
 int run_version(const Args& args)
@@ -98,34 +144,40 @@ int run_path(const Args& args)
     return 0;
 }
 
-// Prints the library's text of the last file error, or a generic one when
-// the operation reports failure by its result alone. A walk through a tree
-// also names the entry where it stopped and the system's reason.
-int file_failure(const char* what, const std::string& path)
+// Prints the library's text of the last file error with the system's
+// reason, or what the checks before a walk refused when the operation
+// reports failure by its result alone. A walk through a tree also names
+// the entry where it stopped.
+int file_failure(const char* what, const std::string& path, bool recursive)
 {
     const int code = gerror_get_error();
     const std::string stopped_at = gfile_error_path();
-    if (code >= 22 && code <= 28 && !stopped_at.empty()) {
-        std::vector<char> native(stopped_at.size() + 1);
-        tql_native_path(stopped_at.c_str(), native.data());
-        std::fprintf(stderr, "tql: %s %s: %s: %s (%s)\n", what, path.c_str(), native.data(),
+    const std::string at = stopped_at.empty() ? "" : ": " + native(stopped_at);
+    if (code >= 22 && code <= 28) {
+        std::fprintf(stderr, "tql: %s %s%s: %s (%s)\n", what, native(path).c_str(), at.c_str(),
                      gerror_get_error_message(), gerror_get_system_error_message());
-    } else if (code >= 22 && code <= 28) {
-        std::fprintf(stderr, "tql: %s %s: %s\n", what, path.c_str(), gerror_get_error_message());
-    } else {
-        std::fprintf(stderr, "tql: %s %s\n", what, path.c_str());
+        return kFailed;
     }
-    return 1;
+    // The checks before a walk fail without an error code: say which one.
+    const bool wildcard = path.find_first_of("*?") != std::string::npos;
+    const char* why = wildcard                   ? "no such files, or a destination that is not a directory"
+                      : !gfile_exists(path.c_str()) ? std::strerror(ENOENT)
+                      : !gfile_is_dir(path.c_str()) ? "refused"
+                      : !recursive                  ? "is a directory (-r for a tree)"
+                                                    : "the destination is not a directory and cannot be made one";
+    std::fprintf(stderr, "tql: %s %s: %s\n", what, native(path).c_str(), why);
+    return kFailed;
 }
 
-// Splits off a trailing "-r"; true when it was there.
+// Takes "-r" out of `args`; true when it was there.
 bool take_recursive(Args& args)
 {
-    if (!args.empty() && args.back() == "-r") {
-        args.pop_back();
-        return true;
+    const auto found = std::find(args.begin(), args.end(), "-r");
+    if (found == args.end()) {
+        return false;
     }
-    return false;
+    args.erase(found);
+    return true;
 }
 
 int run_cp(const Args& given)
@@ -136,8 +188,8 @@ int run_cp(const Args& given)
         return usage_error(find("cp"), "cp takes a source and a destination");
     }
     gerror_set_error(0);
-    if (!gfile_cp(args[0].c_str(), args[1].c_str(), recursive)) {
-        return file_failure("cannot copy", args[0]);
+    if (!walk([&] { return gfile_cp(args[0].c_str(), args[1].c_str(), recursive); })) {
+        return file_failure("cannot copy", args[0], recursive);
     }
     return 0;
 }
@@ -150,8 +202,8 @@ int run_rm(const Args& given)
         return usage_error(find("rm"), "rm takes one path");
     }
     gerror_set_error(0);
-    if (!gfile_rm(args[0].c_str(), recursive)) {
-        return file_failure("cannot remove", args[0]);
+    if (!walk([&] { return gfile_rm(args[0].c_str(), recursive); })) {
+        return file_failure("cannot remove", args[0], recursive);
     }
     return 0;
 }
@@ -162,10 +214,10 @@ int run_du(const Args& args)
         return usage_error(find("du"), "du takes one directory");
     }
     if (!gfile_is_dir(args[0].c_str())) {
-        std::fprintf(stderr, "tql: %s is not a directory\n", args[0].c_str());
+        std::fprintf(stderr, "tql: %s is not a directory\n", native(args[0]).c_str());
         return 1;
     }
-    std::printf("%d\n", gfile_dirsize(args[0].c_str()));
+    std::printf("%d\n", walk([&] { return gfile_dirsize(args[0].c_str()); }));
     return 0;
 }
 
@@ -176,7 +228,7 @@ int run_df(const Args& args)
     }
     std::string directory = args[0];
     if (!gfile_is_dir(directory.c_str())) {
-        std::fprintf(stderr, "tql: %s is not a directory\n", directory.c_str());
+        std::fprintf(stderr, "tql: %s is not a directory\n", native(directory).c_str());
         return 1;
     }
     std::printf("%d\n", gfile_freedir_space(&directory[0]));
@@ -196,9 +248,10 @@ int run_name(const Args& given)
 {
     Args args = given;
     int allow_dot = 0;
-    if (!args.empty() && args.back() == "--allow-dot") {
+    const auto dot = std::find(args.begin(), args.end(), "--allow-dot");
+    if (dot != args.end()) {
         allow_dot = 1;
-        args.pop_back();
+        args.erase(dot);
     }
     if (args.size() != 3 || (args[0] != "check" && args[0] != "fix")) {
         return usage_error(find("name"), "name takes check or fix, a kind and a name");
@@ -257,7 +310,7 @@ int run_parse(const Args& given)
     }
     FILE* in = stdin;
     if (!args.empty() && !gfile_filopn(&in, args[0].c_str(), GFILE_READ)) {
-        std::fprintf(stderr, "tql: cannot open %s\n", args[0].c_str());
+        std::fprintf(stderr, "tql: cannot open %s: %s\n", native(args[0]).c_str(), std::strerror(errno));
         return 1;
     }
     parserecMem rec;
@@ -323,57 +376,131 @@ int run_num(const Args& args)
 const std::vector<Command>& commands()
 {
     static const std::vector<Command> all = {
-        {"env", "tql env [NAME]",
-         "list the variables of the default environment (or one) with their value, expansion,\n"
-         "                       level and file; also: tql env get|set|rm NAME [VALUE]\n"
-         "                       [--level site|custom|home|local] [--save], tql env files,\n"
-         "                       tql env check (reference cycles and undefined references)",
-         run_env},
-        {"version", "tql version", "print the library version text", run_version},
-        {"getenv", "tql getenv NAME",
-         "print a process variable, or the settings-store value when the process has none;\n"
-         "                       exit status 1 when neither defines it",
-         run_getenv},
-        {"errors", "tql errors", "list every GuiErrno code with its text", run_errors},
-        {"expand", "tql expand TEXT",
-         "expand $NAME and %NAME references in TEXT in the default environment;\n"
-         "                       exit status 1 when it expands to nothing",
-         run_expand},
-        {"name", "tql name check|fix KIND NAME [--allow-dot]",
-         "validate a name (the first illegal character, exit 1), or repair it with '_';\n"
-         "                       KIND: identifier, indexed, workspace, design, node, component",
-         run_name},
-        {"parse", "tql parse [--seps S] [--marks M] [--end C] [FILE]",
-         "split each line (of FILE or the input) into fields and print their type and value", run_parse},
-        {"num", "tql num fmt VALUE WIDTH DECIMALS", "print what each number formatter makes of VALUE", run_num},
-        {"cp", "tql cp SRC DST [-r]",
-         "copy a file, a wildcard set (\"dir/*.txt\") or, with -r, a directory tree", run_cp},
-        {"rm", "tql rm PATH [-r]", "remove a file, a wildcard set or, with -r, a directory tree", run_rm},
-        {"du", "tql du DIR", "kilobytes used below a directory", run_du},
-        {"df", "tql df DIR", "free kilobytes of the volume holding a directory", run_df},
-        {"math", "tql math FUNCTION ARGS...",
-         "evaluate one gmath_ function (cdnolog 0 0, snopwr 2 0.5, eeround 2.5): its result\n"
-         "                       and the math error after it",
-         run_math},
-        {"path", "tql path native|canon PATH",
-         "print the Linux form of a library-form path, or its absolute canonical form",
-         run_path},
-        {"grep", "tql grep [-o] [-s TEMPLATE] PATTERN [FILE...]",
-         "print the lines a regular expression matches, -o the matched parts, -s the template\n"
-         "                       with & and \\1..\\9 replaced; exit status 1 when none, 2 on a bad pattern",
-         run_grep},
-        {"crypt", "tql crypt encrypt|decrypt TEXT | header NUMBER WORD",
-         "encrypt or decrypt TEXT with the installation key, or print the encrypted header\n"
-         "                       line of a text file",
-         run_crypt},
-        {"hash", "tql hash dump|get|put|stat FILE [KEY [VALUE]]",
-         "list, look up or add pairs of a hash database, or show its size", run_hash},
-        {"msg", "tql msg SET NUMBER [--lang L]",
-         "print a message of the catalogue by set and number; tql msg list SET prints the set", run_msg},
-        {"prj", "tql prj new|test|copy|rm|info DIR [DST]",
-         "create (--subdirs A;B --copy SRC,DST --overwrite), test, copy, remove or describe a project", run_prj},
+        {"env", "tql env [NAME]\n  or: tql env get|set|rm NAME [VALUE] [--level LEVEL] [--save]\n  or: tql env files|check",
+         "show the configuration variables, change them, list the files",
+         run_env,
+         "Without arguments, lists every variable of the default environment with its value, the\n"
+         "expansion (and its native form when it is a path), the level and file that define it and\n"
+         "the definitions it shadows; with NAME, only that variable. get prints one value, set and rm\n"
+         "change one, files marks each configuration file used, missing, unreadable or not a regular\n"
+         "file, check reports reference cycles and references to undefined variables.",
+         {{"--level LEVEL", "site, custom, home or local: the level get, set and rm act on"},
+          {"--save", "write the changed level back to its file"}},
+         "tql env set EDITOR vi --level home --save"},
+        {"version", "tql version", "print the library version text", run_version,
+         "Prints the library version text, as tql --version does.", {}, "tql version"},
+        {"getenv", "tql getenv NAME", "print a process variable or its settings-store value", run_getenv,
+         "Prints the value of a process variable, or the settings-store value when the process has none;\n"
+         "status 1 when neither defines it.",
+         {}, "tql getenv ZQTARVEX_DIR"},
+        {"errors", "tql errors", "list every GuiErrno code with its text", run_errors,
+         "Lists the error codes of the library (0 to 30) with their texts.", {}, "tql errors"},
+        {"expand", "tql expand TEXT", "expand $NAME and %NAME references in TEXT", run_expand,
+         "Expands the $NAME (process) and %NAME (configuration) references in TEXT in the default\n"
+         "environment; status 1 when it expands to nothing.",
+         {}, "tql expand '%EDITOR -w $HOME/notes'"},
+        {"name", "tql name check|fix KIND NAME [--allow-dot]", "validate or repair a name", run_name,
+         "check prints the first illegal character of NAME (status 1) or \"valid\"; fix prints NAME with\n"
+         "every illegal character replaced by '_'. KIND is identifier, indexed, workspace, design,\n"
+         "node or component.",
+         {{"--allow-dot", "accept '.' in the name"}}, "tql name fix workspace 'my work:space'"},
+        {"parse", "tql parse [--seps S] [--marks M] [--end C] [FILE]", "split lines into typed fields", run_parse,
+         "Splits each line of FILE (or of the input) into fields and prints each field's type\n"
+         "(integer, number or text) and value.",
+         {{"--seps S", "the separator characters (default blank and tab)"},
+          {"--marks M", "characters that are fields of their own"},
+          {"--end C", "the character that ends a line's fields (a comment)"}},
+         "tql parse --seps '; ' --marks = data.txt"},
+        {"num", "tql num fmt VALUE WIDTH DECIMALS", "print what each number formatter makes of VALUE", run_num,
+         "Prints the status and text of each number formatter for VALUE, WIDTH (0-200) and\n"
+         "DECIMALS (-1-200).",
+         {}, "tql num fmt 123.456 13 2"},
+        {"cp", "tql cp SRC DST [-r]", "copy a file, a wildcard set or a directory tree", run_cp,
+         "Copies a file, a wildcard set (\"dir/*.txt\") or, with -r, a directory tree. On a terminal,\n"
+         "a tree copy shows its progress on standard error.",
+         {{"-r", "copy directories and everything below them"}}, "tql cp project backup -r"},
+        {"rm", "tql rm PATH [-r]", "remove a file, a wildcard set or a directory tree", run_rm,
+         "Removes a file, a wildcard set or, with -r, a directory tree. On a terminal, a tree removal\n"
+         "shows its progress on standard error.",
+         {{"-r", "remove directories and everything below them"}}, "tql rm 'build/*.o'"},
+        {"du", "tql du DIR", "kilobytes used below a directory", run_du,
+         "Prints the kilobytes used below DIR. On a terminal, the walk shows its progress on standard\n"
+         "error.",
+         {}, "tql du ."},
+        {"df", "tql df DIR", "free kilobytes of the volume holding a directory", run_df,
+         "Prints the free kilobytes of the volume that holds DIR.", {}, "tql df ."},
+        {"math", "tql math FUNCTION ARGS...", "evaluate one gmath_ function", run_math,
+         "Evaluates one gmath_ function (the prefix may be left out) and prints its result and the\n"
+         "math error state after it.",
+         {}, "tql math snopwr 2 0.5"},
+        {"path", "tql path native|canon PATH", "print the native or the canonical form of a path", run_path,
+         "native prints the Linux form of a library-form path; canon prints its absolute canonical\n"
+         "library form (status 1 when it reduces to nothing).",
+         {}, "tql path native 'C:\\data\\x.txt'"},
+        {"grep", "tql grep [-o] [-s TEMPLATE] PATTERN [FILE...]", "print the lines a regular expression matches",
+         run_grep,
+         "Prints the lines of the files (or of the input) that PATTERN matches. As grep does, the\n"
+         "status is 1 when no line matches and 2 on a bad pattern or a file that cannot be read.",
+         {{"-o", "print only the matched parts"},
+          {"-s TEMPLATE", "print TEMPLATE with & and \\1..\\9 replaced by the match"}},
+         "tql grep -o '[a-z]+@[a-z.]+' mail.txt"},
+        {"crypt", "tql crypt encrypt|decrypt TEXT\n  or: tql crypt header NUMBER WORD",
+         "encrypt or decrypt a text, or make an encrypted header", run_crypt,
+         "Encrypts or decrypts TEXT with the installation key, or prints the encrypted header line\n"
+         "of a text file.",
+         {}, "tql crypt header 42 alpha"},
+        {"hash", "tql hash dump|stat FILE\n  or: tql hash get FILE KEY\n  or: tql hash put FILE KEY VALUE",
+         "list, look up or add pairs of a hash database", run_hash,
+         "dump lists every pair of the hash database FILE, get prints one value (status 1 when the\n"
+         "key is missing), put adds or replaces a pair (creating FILE), stat shows its size.",
+         {}, "tql hash put names.db alice 'Alice Smith'"},
+        {"msg", "tql msg SET NUMBER [--lang L]\n  or: tql msg list SET [--lang L]",
+         "print a message of the catalogue", run_msg,
+         "Prints message NUMBER of SET from the message catalogue, or every message of SET with its\n"
+         "number.",
+         {{"--lang L", "the language of the catalogue"}}, "tql msg list errors"},
+        {"prj", "tql prj new DIR [--subdirs A;B] [--copy SRC,DST;...] [--overwrite]\n"
+                "  or: tql prj test|info|rm DIR\n  or: tql prj copy DIR DST [--overwrite]",
+         "create, test, copy, remove or describe a project", run_prj,
+         "new creates a project directory, test says whether DIR is a project of the current\n"
+         "version (status 1 when not), info describes it, copy and rm copy or remove one.",
+         {{"--subdirs A;B", "subdirectories to create in a new project"},
+          {"--copy SRC,DST;...", "files to copy into a new project"},
+          {"--overwrite", "replace an existing project"}},
+         "tql prj new work/alpha --subdirs 'src;doc'"},
     };
     return all;
+}
+
+const Command* find_command(const std::string& name)
+{
+    for (const Command& command : commands()) {
+        if (name == command.name) {
+            return &command;
+        }
+    }
+    return nullptr;
+}
+
+void print_command_help(const Command& command)
+{
+    std::printf("usage: %s\n\n%s\n", command.synopsis, command.description);
+    if (!command.options.empty()) {
+        std::printf("\noptions:\n");
+        for (const OptionHelp& option : command.options) {
+            std::printf("  %-20s %s\n", option.form, option.text);
+        }
+    }
+    std::printf("  %-20s %s\n", "--help", "print this help");
+    std::printf("\nexample:\n  %s\n\nexit status: 0 done, 1 the operation failed, 2 a usage error\n",
+                command.example);
+}
+
+std::string native(const std::string& path)
+{
+    std::string out(path.size() + 1, '\0');
+    tql_native_path(path.c_str(), &out[0]);
+    return out.c_str();
 }
 
 bool expand_text(const char* text, GuiEnv env, std::string& out)
@@ -390,8 +517,8 @@ bool expand_text(const char* text, GuiEnv env, std::string& out)
 
 int usage_error(const Command& command, const std::string& message)
 {
-    std::fprintf(stderr, "tql: %s\nusage: %s\n", message.c_str(), command.synopsis);
-    return 2;
+    std::fprintf(stderr, "tql: %s\nTry 'tql %s --help'.\n", message.c_str(), command.name);
+    return kUsage;
 }
 
 } // namespace tql_tool

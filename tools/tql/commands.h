@@ -12,15 +12,38 @@ namespace tql_tool {
 
 using Args = std::vector<std::string>;
 
+// One option or form of a command, as its --help lists it.
+struct OptionHelp {
+    const char* form;
+    const char* text;
+};
+
+// A subcommand: its name, the usage line(s) of its --help, the one line
+// tql --help shows, what runs it, and the rest of its own --help.
 struct Command {
     const char* name;
     const char* synopsis;
     const char* summary;
     int (*run)(const Args& args);
+    const char* description;
+    std::vector<OptionHelp> options;
+    const char* example;
 };
+
+// The exit statuses of every command.
+enum Status { kDone = 0, kFailed = 1, kUsage = 2 };
 
 // Every subcommand, in the order --help lists them.
 const std::vector<Command>& commands();
+
+// The subcommand called `name`; null when there is none.
+const Command* find_command(const std::string& name);
+
+// Prints the --help of `command` to standard output.
+void print_command_help(const Command& command);
+
+// The native form of a path ("/a/b" for "C:\a\b").
+std::string native(const std::string& path);
 
 // The expansion of `text` in `env` (null: the default environment), the
 // buffer grown to the size the library asks for; false when it expands to
@@ -45,7 +68,8 @@ int run_hash(const Args& args);
 int run_msg(const Args& args);
 int run_prj(const Args& args);
 
-// Prints "tql: MESSAGE" and the command's usage to stderr; returns 2.
+// Prints "tql: MESSAGE" and where to find the command's help to stderr;
+// returns kUsage.
 int usage_error(const Command& command, const std::string& message);
 
 } // namespace tql_tool

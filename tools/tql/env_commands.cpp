@@ -37,13 +37,6 @@ const Command& env_command()
     std::abort();
 }
 
-std::string native(const std::string& path)
-{
-    std::string out(path.size() + 1, '\0');
-    tql_native_path(path.c_str(), &out[0]);
-    return out.c_str();
-}
-
 // File failures name the native path and the system's reason; include
 // problems are warnings, as the include is skipped and the rest is read.
 int report_failure(int code, const char*, const char* name, char**)
@@ -99,9 +92,18 @@ void print_definitions(GuiEnv env, const std::string& name, const std::vector<De
     const Definition& winner = list.front();
     const char* value = winner.entry->value ? winner.entry->value : "";
     std::printf("%s=%s\n", name.c_str(), value);
+    // The value is shown as it is; an expansion that is a library-form
+    // path gets its native form beside it.
     std::string expansion;
-    if (expand_text(value, env, expansion) && expansion != value) {
-        std::printf("    expands to: %s\n", expansion.c_str());
+    const bool expands = expand_text(value, env, expansion) && expansion != value;
+    const std::string shown = expands ? expansion : value;
+    const std::string native_form = native(shown);
+    const std::string beside =
+        native_form != shown && !native_form.empty() ? "native: " + native_form : std::string();
+    if (expands) {
+        std::printf("    expands to: %s%s\n", expansion.c_str(), beside.empty() ? "" : ("  (" + beside + ")").c_str());
+    } else if (!beside.empty()) {
+        std::printf("    %s\n", beside.c_str());
     }
     for (size_t i = 0; i < list.size(); ++i) {
         const Definition& d = list[i];
@@ -112,38 +114,16 @@ void print_definitions(GuiEnv env, const std::string& name, const std::vector<De
     }
 }
 
-int list_variables(const Args& args)
-{
-    GuiEnv env = tql::env::default_environment();
-    const auto all = definitions(env);
-    if (args.size() == 1) {
-        char normalized[GUI_ENV_NAME_MAX + 1];
-        tql::env::normalize_name(args[0].c_str(), normalized);
-        const auto found = all.find(normalized);
-        if (found == all.end()) {
-            std::fprintf(stderr, "tql: %s is not defined\n", args[0].c_str());
-            return 1;
-        }
-        print_definitions(env, found->first, found->second);
-        return 0;
-    }
-    for (const auto& [name, list] : all) {
-        print_definitions(env, name, list);
-    }
-    return 0;
-}
-
-// One line of tql env files: the level, whether its file can be used (or
-// why not), and the native path.
+// One line of tql env files: the level, whether its file is used or why
+// not (missing, unreadable, not a regular file), and the native path.
 void print_file_state(const char* label, const std::string& file)
 {
     const int problem = config_file_problem(file.c_str());
-    if (problem == 0 || problem == ENOENT || problem == ENOTDIR) {
-        std::printf("%-7s %s %s\n", label, problem == 0 ? "exists " : "missing", native(file).c_str());
-        return;
-    }
-    const char* state = problem == EISDIR ? "directory" : problem == EACCES ? "unreadable" : "unusable";
-    std::printf("%-7s %s %s (%s)\n", label, state, native(file).c_str(), file_failure_reason(problem).c_str());
+    const bool missing = problem == ENOENT || problem == ENOTDIR;
+    const bool irregular = problem == EISDIR || problem == kNotRegularFile;
+    const char* state = problem == 0 ? "used" : missing ? "missing" : irregular ? "not a regular file" : "unreadable";
+    const std::string reason = problem == 0 || missing ? std::string() : " (" + file_failure_reason(problem) + ")";
+    std::printf("%-7s %-18s %s%s\n", label, state, native(file).c_str(), reason.c_str());
 }
 
 int list_files()
@@ -165,6 +145,32 @@ int list_files()
     }
     return 0;
 }
+
+int list_variables(const Args& args)
+{
+    GuiEnv env = tql::env::default_environment();
+    const auto all = definitions(env);
+    if (args.size() == 1) {
+        char normalized[GUI_ENV_NAME_MAX + 1];
+        tql::env::normalize_name(args[0].c_str(), normalized);
+        const auto found = all.find(normalized);
+        if (found == all.end()) {
+            std::fprintf(stderr, "tql: %s is not defined\n", args[0].c_str());
+            return 1;
+        }
+        print_definitions(env, found->first, found->second);
+        return 0;
+    }
+    for (const auto& [name, list] : all) {
+        print_definitions(env, name, list);
+    }
+    if (all.empty()) {
+        std::printf("no configuration file defines a variable; the files looked for:\n");
+        list_files();
+    }
+    return 0;
+}
+
 
 // Where a definition is: "file:line", or "set by the program".
 std::string location(const GuiEnvEntry& entry)

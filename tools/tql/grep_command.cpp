@@ -10,6 +10,8 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
+#include <cerrno>
 #include <fstream>
 #include <iostream>
 #include <memory>
@@ -60,40 +62,43 @@ int run_grep(const Args& given)
     const Command& usage = *std::find_if(commands().begin(), commands().end(),
                                          [](const Command& c) { return std::string(c.name) == "grep"; });
     GrepOptions options;
-    std::size_t next = 0;
-    for (; next < given.size() && (given[next] == "-o" || given[next] == "-s"); ++next) {
-        if (given[next] == "-o") {
+    Args rest; // the pattern and the files
+    for (std::size_t i = 0; i < given.size(); ++i) {
+        if (given[i] == "-o") {
             options.only_matching = true;
-        } else if (++next < given.size()) {
-            options.substitution = given[next].c_str();
+        } else if (given[i] != "-s") {
+            rest.push_back(given[i]);
+        } else if (++i < given.size()) {
+            options.substitution = given[i].c_str();
         } else {
             return usage_error(usage, "-s takes a template");
         }
     }
-    if (next >= given.size()) {
+    if (rest.empty()) {
         return usage_error(usage, "grep takes a pattern");
     }
-    const std::string& pattern = given[next++];
+    std::size_t next = 0;
+    const std::string& pattern = rest[next++];
     const tql::regex::CompileResult compiled = tql::regex::compile(pattern.c_str());
     if (compiled.error != tql::regex::ErrorCode::none) {
         std::fprintf(stderr, "tql: bad pattern '%s': %s\n", pattern.c_str(), tql::regex::error_message(compiled.error));
         return 2;
     }
     const std::unique_ptr<tql_regexp, decltype(&std::free)> r(compiled.compiled, &std::free);
-    if (next == given.size()) {
+    if (next == rest.size()) {
         return grep_stream(std::cin, r.get(), options) ? 0 : 1;
     }
     bool any = false;
     bool failed = false;
-    const bool several = given.size() - next > 1;
-    for (; next < given.size(); ++next) {
-        std::ifstream file(given[next], std::ios::binary);
+    const bool several = rest.size() - next > 1;
+    for (; next < rest.size(); ++next) {
+        std::ifstream file(rest[next], std::ios::binary);
         if (!file) {
-            std::fprintf(stderr, "tql: cannot read %s\n", given[next].c_str());
+            std::fprintf(stderr, "tql: cannot read %s: %s\n", native(rest[next]).c_str(), std::strerror(errno));
             failed = true;
             continue;
         }
-        options.prefix = several ? given[next] + ":" : "";
+        options.prefix = several ? rest[next] + ":" : "";
         any = grep_stream(file, r.get(), options) || any;
     }
     return failed ? 2 : any ? 0 : 1;

@@ -39,7 +39,7 @@ void print_escaped(const DBT& text)
 
 int failure(const char* what, const std::string& file)
 {
-    std::fprintf(stderr, "tql: %s %s: %s\n", what, file.c_str(), std::strerror(errno));
+    std::fprintf(stderr, "tql: %s %s: %s\n", what, native(file).c_str(), std::strerror(errno));
     return 1;
 }
 
@@ -92,7 +92,7 @@ int run_hash(const Args& args)
             print_escaped(data);
             std::putchar('\n');
         } else if (r == 1) {
-            std::fprintf(stderr, "tql: %s has no key '%s'\n", file.c_str(), args[2].c_str());
+            std::fprintf(stderr, "tql: %s has no key '%s'\n", native(file).c_str(), args[2].c_str());
         }
         status = r < 0 ? failure("cannot read", file) : r;
     } else {

@@ -71,7 +71,7 @@ int run_new(Args args)
         return usage_error(prj_command(), "prj new takes a directory [--subdirs A;B] [--copy SRC,DST;...] [--overwrite]");
     }
     if (!gprj_create(args[0].c_str(), subdirs.c_str(), &copy_list[0], overwrite)) {
-        return project_failure("cannot create " + args[0]);
+        return project_failure("cannot create " + native(args[0]));
     }
     return 0;
 }
@@ -85,7 +85,7 @@ int run_test(const Args& args, bool describe)
     GprjErrorNo = 0;
     const int accepted = gprj_is_project(args[0].c_str(), version);
     if (describe) {
-        std::printf("directory: %s\nversion: %s\nproject: %s\n", args[0].c_str(), version[0] ? version : "(none)",
+        std::printf("directory: %s\nversion: %s\nproject: %s\n", native(args[0]).c_str(), version[0] ? version : "(none)",
                     accepted ? "yes" : "no");
         if (!accepted && GprjErrorNo) {
             std::printf("reason: %s\n", gprj_errstr(GprjErrorNo));
@@ -94,13 +94,13 @@ int run_test(const Args& args, bool describe)
     }
     if (!accepted) {
         if (GprjErrorNo) {
-            return project_failure(args[0] + " is not a project");
+            return project_failure(native(args[0]) + " is not a project");
         }
-        std::fprintf(stderr, "tql: %s is not a project of the current version (version %s)\n", args[0].c_str(),
+        std::fprintf(stderr, "tql: %s is not a project of the current version (version %s)\n", native(args[0]).c_str(),
                      version[0] ? version : "none");
         return 1;
     }
-    std::printf("%s is a project, version %s\n", args[0].c_str(), version);
+    std::printf("%s is a project, version %s\n", native(args[0]).c_str(), version);
     return 0;
 }
 
@@ -110,7 +110,7 @@ int run_copy(Args args)
     if (args.size() != 2) {
         return usage_error(prj_command(), "prj copy takes a source and a destination [--overwrite]");
     }
-    return gprj_copy(args[0].c_str(), args[1].c_str(), overwrite) ? 0 : project_failure("cannot copy " + args[0]);
+    return gprj_copy(args[0].c_str(), args[1].c_str(), overwrite) ? 0 : project_failure("cannot copy " + native(args[0]));
 }
 
 int run_remove(const Args& args)
@@ -118,7 +118,7 @@ int run_remove(const Args& args)
     if (args.size() != 1) {
         return usage_error(prj_command(), "prj rm takes one directory");
     }
-    return gprj_delete(args[0].c_str()) ? 0 : project_failure("cannot remove " + args[0]);
+    return gprj_delete(args[0].c_str()) ? 0 : project_failure("cannot remove " + native(args[0]));
 }
 
 } // namespace
