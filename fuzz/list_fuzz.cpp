@@ -112,9 +112,10 @@ void retrieve_all(GmsgHandle handle, const std::string& set)
 
 void fuzz_catalogue(const std::string& root, const uint8_t* data, size_t size)
 {
-    // Variables of a configuration that refer to each other expand for
-    // ever, and a file that includes itself is read until the stack runs
-    // out, so the directory gets no reference marks and no include marks.
+    // References that double at each step grow the expansion exponentially
+    // in the input's length, and an include line may name any file of the
+    // machine: the directory gets no reference marks and no include marks,
+    // which the expansion and configuration targets fuzz on their own.
     std::string directory(reinterpret_cast<const char*>(data), size);
     for (char& c : directory) {
         if (c == '%' || c == '$' || c == '+') {
