@@ -280,21 +280,6 @@ int run_name(const Args& given)
     return 0;
 }
 
-// Takes "--NAME VALUE" out of `args` into `value`; false when it is last.
-bool take_option(Args& args, const char* name, std::string& value)
-{
-    for (size_t i = 0; i < args.size(); ++i) {
-        if (args[i] == name) {
-            if (i + 1 >= args.size()) {
-                return false;
-            }
-            value = args[i + 1];
-            args.erase(args.begin() + static_cast<long>(i), args.begin() + static_cast<long>(i) + 2);
-            return true;
-        }
-    }
-    return true;
-}
 
 // "parse [--seps S] [--marks M] [--end C] [FILE]": every line's fields with
 // their type and value.
@@ -372,6 +357,22 @@ int run_num(const Args& args)
 }
 
 } // namespace
+
+// Takes "--NAME VALUE" out of `args` into `value`; false when it is last.
+bool take_option(Args& args, const char* name, std::string& value)
+{
+    for (size_t i = 0; i < args.size(); ++i) {
+        if (args[i] == name) {
+            if (i + 1 >= args.size()) {
+                return false;
+            }
+            value = args[i + 1];
+            args.erase(args.begin() + static_cast<long>(i), args.begin() + static_cast<long>(i) + 2);
+            return true;
+        }
+    }
+    return true;
+}
 
 const std::vector<Command>& commands()
 {

@@ -68,6 +68,10 @@ int run_hash(const Args& args);
 int run_msg(const Args& args);
 int run_prj(const Args& args);
 
+// Takes "--NAME VALUE" out of `args` into `value`; false when the value
+// is missing.
+bool take_option(Args& args, const char* name, std::string& value);
+
 // Prints "tql: MESSAGE" and where to find the command's help to stderr;
 // returns kUsage.
 int usage_error(const Command& command, const std::string& message);

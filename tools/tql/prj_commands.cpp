@@ -33,21 +33,6 @@ bool take_flag(Args& args, const char* name)
     return false;
 }
 
-// Takes "--NAME VALUE" out of `args`; false when the value is missing.
-bool take_value(Args& args, const char* name, std::string& value)
-{
-    for (size_t i = 0; i < args.size(); ++i) {
-        if (args[i] == name) {
-            if (i + 1 >= args.size()) {
-                return false;
-            }
-            value = args[i + 1];
-            args.erase(args.begin() + static_cast<long>(i), args.begin() + static_cast<long>(i) + 2);
-        }
-    }
-    return true;
-}
-
 bool initialise()
 {
     char name[256] = "project";
@@ -67,7 +52,7 @@ int run_new(Args args)
     std::string subdirs;
     std::string copy_list;
     const int overwrite = take_flag(args, "--overwrite") ? 1 : 0;
-    if (!take_value(args, "--subdirs", subdirs) || !take_value(args, "--copy", copy_list) || args.size() != 1) {
+    if (!take_option(args, "--subdirs", subdirs) || !take_option(args, "--copy", copy_list) || args.size() != 1) {
         return usage_error(prj_command(), "prj new takes a directory [--subdirs A;B] [--copy SRC,DST;...] [--overwrite]");
     }
     if (!gprj_create(args[0].c_str(), subdirs.c_str(), &copy_list[0], overwrite)) {
