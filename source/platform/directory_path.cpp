@@ -93,10 +93,9 @@ DirectoryPath::~DirectoryPath()
     }
 }
 
-bool DirectoryPath::open_root()
+bool DirectoryPath::push_level(const std::string& name, int fd)
 {
-    const int fd = ::open(native_path(root_.c_str()).c_str(), kDirectoryFlags);
-    Level level{"", fd, 0, 0};
+    Level level{name, fd, 0, 0};
     if (fd < 0) {
         return false;
     }
@@ -108,18 +107,16 @@ bool DirectoryPath::open_root()
     return true;
 }
 
+bool DirectoryPath::open_root()
+{
+    return push_level("", ::open(native_path(root_.c_str()).c_str(), kDirectoryFlags));
+}
+
 bool DirectoryPath::enter(const std::string& name)
 {
-    const int fd = ::openat(deepest(), name.c_str(), kDirectoryFlags | O_NOFOLLOW);
-    Level level{name, fd, 0, 0};
-    if (fd < 0) {
+    if (!push_level(name, ::openat(deepest(), name.c_str(), kDirectoryFlags | O_NOFOLLOW))) {
         return false;
     }
-    if (!opened_as(fd, level.device, level.inode)) {
-        ::close(fd);
-        return false;
-    }
-    levels_.push_back(level);
     if (levels_.size() - first_open_ > kOpenLevels) {
         ::close(levels_[first_open_].fd);
         levels_[first_open_].fd = -1;

@@ -178,6 +178,9 @@ private:
         ino_t inode;
     };
     int deepest() const { return levels_.back().fd; }
+    // Adds the directory just opened as `fd` (negative: the open failed) as
+    // the deepest level; false, with `fd` closed, when it cannot be added.
+    bool push_level(const std::string& name, int fd);
     std::string root_;
     std::vector<Level> levels_;
     size_t first_open_ = 0; // levels from here down hold open descriptors
