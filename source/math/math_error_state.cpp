@@ -7,40 +7,29 @@
 
 #include <limits>
 
-namespace {
-int math_error = 0;
-int* user_error = nullptr;
-} // namespace
-
 namespace tql::math {
-
-void raise_math_error()
-{
-    math_error = 1;
-    if (user_error) {
-        *user_error = 1;
-    }
-}
-
+MathErrorState math_error_state{0, nullptr};
 } // namespace tql::math
+
+using tql::math::math_error_state;
 
 int gmath_ematherr()
 {
-    return math_error;
+    return math_error_state.error;
 }
 
 void gmath_clr_ematherr()
 {
-    math_error = 0;
-    if (user_error) {
-        *user_error = 0;
+    math_error_state.error = 0;
+    if (math_error_state.user_error) {
+        *math_error_state.user_error = 0;
     }
 }
 
 int* gmath_set_usererr(int* pointer)
 {
-    user_error = pointer;
-    return user_error;
+    math_error_state.user_error = pointer;
+    return math_error_state.user_error;
 }
 
 double gmath_quiet_nan()
