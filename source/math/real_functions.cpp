@@ -42,13 +42,25 @@ float sno_atan2(float y, float x)
 
 // Undefined where the result is not real (a negative base to a finite
 // non-integral power) or infinite (0 to a negative power).
-float sno_pwr(float x, float y)
+__attribute__((noinline)) float sno_pwr_rule(float x, float y)
 {
     if (std::isnan(x) || std::isnan(y) || (x == 0 && y < 0) ||
         (x < 0 && std::isfinite(y) && y != std::trunc(y))) {
         return single_domain_error();
     }
     return single_result(std::pow(static_cast<double>(x), static_cast<double>(y)));
+}
+
+// A positive finite base to a finite power is always defined, and its
+// power, positive, mostly lies inside the bounds untouched.
+float sno_pwr(float x, float y)
+{
+    if (__builtin_expect(x > 0 && x <= FLT_MAX && std::fabs(y) <= FLT_MAX, 1)) {
+        const double power = std::pow(static_cast<double>(x), static_cast<double>(y));
+        return power >= kSingleBounds.smallest && power <= kSingleBounds.largest ? static_cast<float>(power)
+                                                                                : single_result(power);
+    }
+    return sno_pwr_rule(x, y);
 }
 
 float magxy(float x, float y)
