@@ -148,8 +148,8 @@ TEST_F(AvlTreeTest, ReplaceDeleteAndFreeReleaseCalls)
 {
     // Shape:        4
     //           2       6
-    //         1   3   5
-    insert_all({4, 2, 6, 1, 3, 5});
+    //         1   3       7
+    insert_all({4, 2, 6, 1, 3, 7});
     int other_two = 2;
     const avltree root = tree_;
     ASSERT_EQ(avltree_insert(&tree_, compare_ints, &other_two, record_release), 1);
@@ -158,30 +158,30 @@ TEST_F(AvlTreeTest, ReplaceDeleteAndFreeReleaseCalls)
     EXPECT_EQ(g_released, std::vector<void*>{&values_[2]});
     g_released.clear();
 
-    // A leaf (3) and a node with one child (6 over 5) are unlinked, their
-    // items left to the caller; so is a key that is not there.
-    const int absent = 7;
+    // A leaf (3) and a node with one child (6 over 7) are unlinked, their
+    // items left to the caller; a key that is not there changes nothing.
+    const int absent = 8;
     const int* const keys[] = {&values_[3], &values_[6], &absent};
     for (const int* key : keys) {
         EXPECT_EQ(avltree_delete(&tree_, compare_ints, key, record_release), key != &absent);
     }
     EXPECT_TRUE(g_released.empty());
-    check_tree(tree_, {1, 2, 4, 5});
+    check_tree(tree_, {1, 2, 4, 7});
 
-    // Two children (the root 4 over 2 and 5): the root node stays, its item
+    // Two children (the root 4 over 2 and 7): the root node stays, its item
     // is released and replaced by the in-order predecessor's (2, the
     // rightmost of the left subtree), whose node goes.
     EXPECT_EQ(avltree_delete(&tree_, compare_ints, &values_[4], record_release), 1);
     EXPECT_EQ(g_released, std::vector<void*>{&values_[4]});
     EXPECT_EQ(tree_, root);
     EXPECT_EQ(root->item, &other_two);
-    check_tree(tree_, {1, 2, 5});
+    check_tree(tree_, {1, 2, 7});
 
-    // Shape now: 2 over 1 and 5.
+    // Shape now: 2 over 1 and 7.
     g_released.clear();
     avltree_free(&tree_, record_release);
     EXPECT_EQ(tree_, nullptr);
-    EXPECT_EQ(g_released, (std::vector<void*>{&values_[1], &values_[5], &other_two}));
+    EXPECT_EQ(g_released, (std::vector<void*>{&values_[1], &values_[7], &other_two}));
 }
 
 } // namespace

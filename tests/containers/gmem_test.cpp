@@ -12,7 +12,8 @@
 TEST(Gmem, ZeroAndOverflowingByteCountsGiveNullAndKeepTheOldBlock)
 {
     const size_t half = SIZE_MAX / 2 + 1;
-    const size_t pairs[][2] = {{0, 16}, {SIZE_MAX, 0}, {half, 2}, {size_t{1} << 32, size_t{1} << 32}};
+    // Products that wrap to 0 and to a small count (2 bytes) alike.
+    const size_t pairs[][2] = {{0, 16}, {SIZE_MAX, 0}, {half, 2}, {half + 1, 2}, {size_t{1} << 32, size_t{1} << 32}};
     unsigned char* block = static_cast<unsigned char*>(gmem_ee_malloc(4, 4));
     ASSERT_NE(block, nullptr);
     std::memset(block, 0x5A, 16);
