@@ -39,7 +39,7 @@ Result read_header(const std::string& file)
 {
     FILE* fp = nullptr;
     gfile_filopn(&fp, file.c_str(), GFILE_READ);
-    std::fgetc(fp); // not at the start: the call rewinds first
+    std::fseek(fp, 3, SEEK_SET); // past a header's "@" mark: the call rewinds first
     Result result{0, -1, "", 0};
     char word[64] = "unset";
     result.answer = gfile_encrypted(fp, &result.number, word);
