@@ -141,62 +141,47 @@ TEST(AvlTree, ComparisonArgumentOrder)
     avltree_free(&tree, nullptr);
 }
 
-TEST_F(AvlTreeTest, EqualKeyReplacesTheItemInPlace)
-{
-    insert_all({2, 1, 3});
-    int other_two = 2;
-    avltree root_before = tree_;
-    ASSERT_EQ(avltree_insert(&tree_, compare_ints, &other_two, record_release), 1);
-    EXPECT_EQ(tree_, root_before);
-    EXPECT_EQ(tree_->item, &other_two);                       // same node, new item
-    EXPECT_EQ(g_released, std::vector<void*>{&values_[2]});   // the old one released
-    check_tree(tree_, {1, 2, 3});
-}
-
-TEST_F(AvlTreeTest, DeleteReleasesOnlyTheItemOfANodeWithTwoChildren)
+// The release calls: an equal key replaces the item in place and releases
+// the old one; delete releases only the item of a node with two children;
+// free releases every item, children first.
+TEST_F(AvlTreeTest, ReplaceDeleteAndFreeReleaseCalls)
 {
     // Shape:        4
     //           2       6
-    //         1   3   5
-    insert_all({4, 2, 6, 1, 3, 5});
-    check_tree(tree_, {1, 2, 3, 4, 5, 6});
+    //         1   3       7
+    insert_all({4, 2, 6, 1, 3, 7});
+    int other_two = 2;
+    const avltree root = tree_;
+    ASSERT_EQ(avltree_insert(&tree_, compare_ints, &other_two, record_release), 1);
+    EXPECT_EQ(tree_, root);
+    EXPECT_EQ(root->left->item, &other_two); // same node, new item
+    EXPECT_EQ(g_released, std::vector<void*>{&values_[2]});
+    g_released.clear();
 
-    // Leaf: unlinked, its item left to the caller.
-    EXPECT_EQ(avltree_delete(&tree_, compare_ints, &values_[3], record_release), 1);
+    // A leaf (3) and a node with one child (6 over 7) are unlinked, their
+    // items left to the caller; a key that is not there changes nothing.
+    const int absent = 8;
+    const int* const keys[] = {&values_[3], &values_[6], &absent};
+    for (const int* key : keys) {
+        EXPECT_EQ(avltree_delete(&tree_, compare_ints, key, record_release), key != &absent);
+    }
     EXPECT_TRUE(g_released.empty());
-    check_tree(tree_, {1, 2, 4, 5, 6});
+    check_tree(tree_, {1, 2, 4, 7});
 
-    // One child (6 has only its left child 5): unlinked, nothing released.
-    EXPECT_EQ(avltree_delete(&tree_, compare_ints, &values_[6], record_release), 1);
-    EXPECT_TRUE(g_released.empty());
-    check_tree(tree_, {1, 2, 4, 5});
-    EXPECT_EQ(tree_->right->item, &values_[5]);
-
-    // Two children (the root 4 over 2 and 5): the root node stays, its item
+    // Two children (the root 4 over 2 and 7): the root node stays, its item
     // is released and replaced by the in-order predecessor's (2, the
     // rightmost of the left subtree), whose node goes.
-    avltree_node* root = tree_;
     EXPECT_EQ(avltree_delete(&tree_, compare_ints, &values_[4], record_release), 1);
     EXPECT_EQ(g_released, std::vector<void*>{&values_[4]});
     EXPECT_EQ(tree_, root);
-    EXPECT_EQ(root->item, &values_[2]);
-    check_tree(tree_, {1, 2, 5});
+    EXPECT_EQ(root->item, &other_two);
+    check_tree(tree_, {1, 2, 7});
 
-    // A key that is not there: nothing changes, nothing released.
-    const int absent = 7;
-    EXPECT_EQ(avltree_delete(&tree_, compare_ints, &absent, record_release), 0);
-    EXPECT_EQ(g_released.size(), 1u);
-    check_tree(tree_, {1, 2, 5});
-}
-
-TEST_F(AvlTreeTest, FreeReleasesEveryItemChildrenFirst)
-{
-    insert_all({4, 2, 6, 1, 3, 5, 7});
+    // Shape now: 2 over 1 and 7.
+    g_released.clear();
     avltree_free(&tree_, record_release);
     EXPECT_EQ(tree_, nullptr);
-    std::vector<void*> expected;
-    for (int k : {1, 3, 2, 5, 7, 6, 4}) expected.push_back(&values_[k]);
-    EXPECT_EQ(g_released, expected);
+    EXPECT_EQ(g_released, (std::vector<void*>{&values_[1], &values_[7], &other_two}));
 }
 
 } // namespace

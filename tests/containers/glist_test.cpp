@@ -1,7 +1,8 @@
 // glist_*: positional records across blocks, moves, the sort and keyed
 // calls in both orders, the query codes, and the file load and store with
 // their oddities (store count versus length, TABs, the 1023-character cut)
-// and their messages.
+// and their messages. The line ends and the end-of-file mark of loading
+// are the line reader's (tests/gfile/file_handle_test.cpp).
 #include <tql70/glist.h>
 
 #include "containers/glist_internal.h"
@@ -183,35 +184,6 @@ TEST(Glist, TableQueriesAndNullArguments)
     EXPECT_EQ(glist_close(nullptr), 0);
 }
 
-TEST(Glist, LoadFromOddFiles)
-{
-    TempDir dir;
-    const std::string ten_megabytes(10 * 1024 * 1024, 'y');
-    struct Case {
-        const char* name;
-        std::string content;
-        std::vector<std::string> expected;
-    } cases[] = {
-        {"empty line kept, no final end", "a\n\nb", {"a", "", "b"}},
-        {"TABs become blanks, CRLF ends", "x\ty\r\nz\r\n", {"x y", "z"}},
-        {"CR-only ends cut the line", "one\rtwo\rthree\n", {"one"}},
-        {"NUL ends the text of a line", std::string("ab\0cd\nef\n", 9), {"ab", "ef"}},
-        {"1023-character cut", std::string(1500, 'k') + "\nend\n", {std::string(1023, 'k'), "end"}},
-        {"10 MB line", ten_megabytes + "\nlast", {std::string(1023, 'y'), "last"}},
-        {"Ctrl-Z ends the file", "a\n\x1azz\nb\n", {"a"}},
-        {"binary bytes", "\x01\xff\x80\n", {"\x01\xff\x80"}},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.name);
-        ListGuard guard;
-        char message[512] = "";
-        const std::string path = dir.write_file("in.txt", c.content);
-        ASSERT_EQ(glist_load(guard.list, path.c_str(), message), 1) << message;
-        EXPECT_EQ(contents(guard.list), c.expected);
-        EXPECT_EQ(query(guard.list, GLIST_STORE_COUNT), c.expected.size());
-    }
-}
-
 TEST(Glist, StoreAndMessages)
 {
     TempDir dir;
@@ -229,8 +201,15 @@ TEST(Glist, StoreAndMessages)
     struct stat status;
     ASSERT_EQ(::stat(path.c_str(), &status), 0);
     EXPECT_EQ(status.st_mode & 0777, 0640u);
+    // Loading turns TABs into blanks, keeps empty lines and sets the store
+    // count; a line is cut at 1,023 characters.
     ASSERT_EQ(glist_load(guard.list, path.c_str(), message), 1);
-    EXPECT_EQ(contents(guard.list)[0], "a b");
+    EXPECT_EQ(contents(guard.list), (std::vector<std::string>{"a b", "", "c"}));
+    const std::string long_line = dir.write_file("long.txt", std::string(1500, 'k') + "\r\nend");
+    ListGuard other;
+    ASSERT_EQ(glist_load(other.list, long_line.c_str(), message), 1);
+    EXPECT_EQ(contents(other.list), (std::vector<std::string>{std::string(1023, 'k'), "end"}));
+    EXPECT_EQ(query(other.list, GLIST_STORE_COUNT), 2u);
 
     struct Case {
         const char* name;

@@ -82,7 +82,9 @@ TEST(LinkedList, AddingAListToItselfIsRefused)
     const auto child = tql_test::run_in_child([] {
         list_t a = make_list({1});
         list_t b = make_list({1, 2, 3});
-        std::printf("%u %u %u\n", list_add(&a, &a), list_add(&b, &b), list_len(&b));
+        list_index(&b, 1); // past the head, which is still refused
+        const unsigned one = list_add(&a, &a), several = list_add(&b, &b);
+        std::printf("%u %u %u\n", one, several, list_len(&b));
     });
     EXPECT_EQ(child.out, "0 0 3\n");
     EXPECT_EQ(child.err, "infinite loop, abort list_add () operation\n"

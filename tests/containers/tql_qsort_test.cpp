@@ -110,17 +110,11 @@ TEST(TqlQsort, ZeroOneAndSixElements)
 
     // Six elements are sorted by insertion alone: n - 1 comparisons when
     // already sorted, n(n-1)/2 when reversed.
-    const std::vector<int> sorted = {1, 2, 3, 4, 5, 6};
-    std::vector<int> v = sorted;
-    probe.reset(v.data(), 6, sizeof(int));
-    tql_qsort(v.data(), 6, sizeof(int), compare_int);
-    EXPECT_EQ(v, sorted);
-    EXPECT_EQ(probe.calls, 5u);
-    v = {6, 5, 4, 3, 2, 1};
-    probe.reset(v.data(), 6, sizeof(int));
-    tql_qsort(v.data(), 6, sizeof(int), compare_int);
-    EXPECT_EQ(v, sorted);
-    EXPECT_EQ(probe.calls, 15u);
+    for (const auto& [input, calls] : {std::pair{std::vector<int>{1, 2, 3, 4, 5, 6}, 5u},
+                                       std::pair{std::vector<int>{6, 5, 4, 3, 2, 1}, 15u}}) {
+        expect_sorts_like_std(input);
+        EXPECT_EQ(probe.calls, calls);
+    }
 }
 
 TEST(TqlQsort, IntsOfEveryShapeAndThresholdSize)

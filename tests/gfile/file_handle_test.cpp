@@ -34,7 +34,7 @@ std::vector<std::string> string_lines(const std::string& file)
     return lines;
 }
 
-TEST(FileHandle, LineEndsAndEndOfFileMark)
+TEST(FileHandle, LineEndsEndOfFileMarkAndLongLines)
 {
     TempDir dir;
     using V = std::vector<std::string>;
@@ -46,21 +46,17 @@ TEST(FileHandle, LineEndsAndEndOfFileMark)
     EXPECT_EQ(limited_lines(mark), V{"one"});
     EXPECT_EQ(string_lines(mark), V{"one"});
     EXPECT_EQ(limited_lines(dir.write_file("stop.txt", "x\x1az\ny\n")), (V{"x", "y"}));
-}
+    EXPECT_EQ(limited_lines(dir.write_file("nul.txt", std::string("ab\0cd\nef\n", 9))), (V{"ab", "ef"}));
 
-TEST(FileHandle, LongLines)
-{
-    TempDir dir;
     const std::string long_line(2000, 'x');
     const std::string huge(5000, 'y');
     const std::string file = dir.write_file("long.txt", long_line + "\nnext\n" + huge + "\r\nend\n");
-    const std::vector<std::string> limited = limited_lines(file);
-    EXPECT_EQ(limited, (std::vector<std::string>{std::string(1023, 'x'), "next", std::string(1023, 'y'), "end"}));
-    EXPECT_EQ(string_lines(file), (std::vector<std::string>{long_line, "next", huge, "end"}));
+    EXPECT_EQ(limited_lines(file), (V{std::string(1023, 'x'), "next", std::string(1023, 'y'), "end"}));
+    EXPECT_EQ(string_lines(file), (V{long_line, "next", huge, "end"}));
 
     // A line of exactly 1,023 characters fits and keeps the next line.
     const std::string exact = dir.write_file("exact.txt", std::string(1023, 'e') + "\nafter\n");
-    EXPECT_EQ(limited_lines(exact), (std::vector<std::string>{std::string(1023, 'e'), "after"}));
+    EXPECT_EQ(limited_lines(exact), (V{std::string(1023, 'e'), "after"}));
 }
 
 TEST(FileHandle, ModesBlocksCharactersAndPositions)
@@ -105,12 +101,6 @@ TEST(FileHandle, ModesBlocksCharactersAndPositions)
     fp = nullptr;
     EXPECT_EQ(gfile_filopn(&fp, (dir.path() + "/missing/x").c_str(), GFILE_READ), 0);
 }
-
-} // namespace
-} // namespace tql_test
-
-namespace tql_test {
-namespace {
 
 // Lines of every length up to 150 (tabs inside, some ending in CR LF) read
 // back whole, also where a line straddles the stream's buffer refills.

@@ -22,7 +22,7 @@ std::string found(const char* name, const std::string& list, int accept_dirs)
     return result;
 }
 
-TEST(FindFile, SearchesThePathListInOrder)
+TEST(FindFile, SearchesThePathListInOrderOrTheCurrentDirectory)
 {
     TempDir dir;
     const std::string a = dir.path() + "/a";
@@ -48,17 +48,11 @@ TEST(FindFile, SearchesThePathListInOrder)
     const std::string deep = dir.path() + "/" + std::string(150, 'd');
     dir.write_file(std::string(150, 'd') + "/deep.cfg", "x");
     EXPECT_EQ(found("deep.cfg", a + ";" + deep, 0), library(deep) + "\\deep.cfg");
-}
 
-TEST(FindFile, NullListMeansTheCurrentDirectory)
-{
-    TempDir dir;
-    dir.write_file("here.cfg", "x");
-    const fs::path saved = fs::current_path();
-    fs::current_path(dir.path());
-    EXPECT_EQ(found("here.cfg", "", 0), ".\\here.cfg");
-    fs::current_path(saved);
-    EXPECT_EQ(found("here.cfg", "", 0), "<none>");
+    // No list: the current directory only.
+    ScopedCurrentDirectory cd(a);
+    EXPECT_EQ(found("other", "", 0), ".\\other");
+    EXPECT_EQ(found("tool.cfg", "", 0), "<none>");
 }
 
 } // namespace
