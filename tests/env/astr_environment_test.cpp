@@ -12,8 +12,6 @@
 #include <filesystem>
 #include <iterator>
 #include <string>
-#include <sys/stat.h>
-#include <unistd.h>
 #include <vector>
 
 namespace tql_test {
@@ -139,8 +137,9 @@ TEST_F(AstrEnvironment, SetValueWritesBackWithSave)
     EXPECT_EQ(read_file(local_), before);
 }
 
-TEST_F(AstrEnvironment, SetValueOnTheCurrentConfiguration)
+TEST_F(AstrEnvironment, PendingChangesOfTheCurrentConfigurationAreSaved)
 {
+    sandbox_.write_file("other.cfg", "OTHER=o\n");
     ASSERT_EQ(astr_set_environment("tool"), 1);
     const std::string before = read_file(local_);
     // Without save the change stays in the current environment only.
@@ -155,19 +154,14 @@ TEST_F(AstrEnvironment, SetValueOnTheCurrentConfiguration)
     EXPECT_NE(after.find("SAVED=s\n"), std::string::npos);
     sandbox_.write_file("tool.cfg", after + "EDITED=outside\n");
     EXPECT_EQ(take(astr_environment_value("EDITED")), "<null>"); // read before the edit
-    EXPECT_EQ(astr_set_environment_value("tool", "AGAIN", "a", ASTR_SCOPE_LOCAL, 1), 1);
+    EXPECT_EQ(astr_set_environment_value("tool", "PENDING", "p", ASTR_SCOPE_LOCAL, 1), 1);
     EXPECT_EQ(take(astr_environment_value("EDITED")), "outside");
-}
 
-TEST_F(AstrEnvironment, ChangingTheCurrentConfigurationSaves)
-{
-    sandbox_.write_file("other.cfg", "OTHER=o\n");
-    ASSERT_EQ(astr_set_environment("tool"), 1);
-    ASSERT_EQ(astr_set_environment_value("tool", "PENDING", "p", ASTR_SCOPE_LOCAL, 0), 1);
+    // Changing the current configuration saves the old one's changes.
+    ASSERT_EQ(astr_set_environment_value("tool", "SWITCHED", "w", ASTR_SCOPE_LOCAL, 0), 1);
     ASSERT_EQ(astr_set_environment("other"), 1);
-    EXPECT_NE(read_file(local_).find("PENDING=p\n"), std::string::npos);
+    EXPECT_NE(read_file(local_).find("SWITCHED=w\n"), std::string::npos);
     EXPECT_EQ(take(astr_environment_value("PENDING")), "<null>");
-
     // Setting the same name again reloads it from its files.
     sandbox_.write_file("other.cfg", "OTHER=reloaded\n");
     ASSERT_EQ(astr_set_environment("other"), 1);
@@ -280,10 +274,6 @@ TEST(AstrStrings, ConfigFileIsReadable)
     std::replace(library_form.begin(), library_form.end(), '/', '\\');
     EXPECT_EQ(astr_config_file_is_readable(library_form.c_str()), 1);
     EXPECT_EQ(astr_config_file_is_readable((dir.path() + "/config").c_str()), 0); // a directory
-    if (geteuid() != 0) { // root reads every file
-        ASSERT_EQ(chmod(file.c_str(), 0), 0);
-        EXPECT_EQ(astr_config_file_is_readable(file.c_str()), 0);
-    }
 }
 
 } // namespace

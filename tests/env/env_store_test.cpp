@@ -46,40 +46,7 @@ TEST_F(EnvStore, NamesAreCutAndUpperCasedForAsciiOnly)
     EXPECT_EQ(gui_env_put(env, "", "x", 0), 0);
 }
 
-TEST_F(EnvStore, LevelsAreSearchedLocalHomeCustomSite)
-{
-    GuiEnv env = open_env();
-    gui_env_put(env, "V", "site", GUI_ENV_SITE);
-    gui_env_put(env, "V", "custom", GUI_ENV_CUSTOM);
-    EXPECT_EQ(get(env, "V"), "custom");
-    gui_env_put(env, "V", "home", GUI_ENV_HOME);
-    EXPECT_EQ(get(env, "V"), "home");
-    gui_env_put(env, "V", "local", GUI_ENV_LOCAL);
-    EXPECT_EQ(get(env, "V"), "local");
-    EXPECT_EQ(get(env, "V", GUI_ENV_SITE), "site");
-    EXPECT_EQ(get(env, "V", GUI_ENV_FILE), "local");
-    EXPECT_EQ(get(env, "V", 99), "local");
-}
-
-TEST_F(EnvStore, RemoveThenPutRevivesTheSameSlot)
-{
-    GuiEnv env = open_env();
-    gui_env_put_modnew(env, "A", "1", GUI_ENV_HOME, ENV_CLEAN);
-    GuiEnvEntry* slot = entry_of(env, "A", GUI_ENV_HOME, false);
-    ASSERT_NE(slot, nullptr);
-    EXPECT_EQ(slot->state, ENV_CLEAN);
-
-    EXPECT_EQ(gui_env_rm(env, "a", GUI_ENV_ANY), 1);
-    EXPECT_EQ(slot->state, ENV_DELETED);
-    EXPECT_FALSE(gui_env_exists(env, "A", GUI_ENV_ANY));
-
-    // Revived at level 0: the lookup finds the deleted home entry.
-    ASSERT_EQ(gui_env_put(env, "A", "2", GUI_ENV_ANY), 1);
-    EXPECT_EQ(entry_of(env, "A", GUI_ENV_HOME, false), slot);
-    EXPECT_EQ(slot->state, ENV_MODIFIED);
-}
-
-TEST_F(EnvStore, NullValuesStatesAndUserPointers)
+TEST_F(EnvStore, NullValuesStatesUserPointersAndBufferSizes)
 {
     GuiEnv env = open_env();
     EXPECT_EQ(gui_env_put(env, "MISSING", nullptr, GUI_ENV_LOCAL), 0);
@@ -106,18 +73,13 @@ TEST_F(EnvStore, NullValuesStatesAndUserPointers)
     EXPECT_STREQ(buffer, "");
     gui_env_put(env, "INC", reinterpret_cast<const char*>(&marker), GUI_ENV_USERDATA);
     EXPECT_EQ(get(env, "INC"), "changed");
-}
 
-TEST_F(EnvStore, TooSmallBufferIsLeftUntouched)
-{
-    GuiEnv env = open_env();
-    gui_env_put(env, "V", "abcd", GUI_ENV_LOCAL);
-    char buffer[8] = "ZZZZZZZ";
-    EXPECT_EQ(gui_env_get(env, "V", buffer, nullptr, 4, GUI_ENV_ANY), 5);
-    EXPECT_STREQ(buffer, "ZZZZZZZ");
-    EXPECT_EQ(gui_env_get(env, "V", buffer, nullptr, 5, GUI_ENV_ANY), 0);
-    EXPECT_STREQ(buffer, "abcd");
-
+    // A buffer one byte short is left untouched and the size needed given.
+    char small[8] = "ZZZZZZZ";
+    EXPECT_EQ(gui_env_get(env, "INC", small, nullptr, 7, GUI_ENV_ANY), 8);
+    EXPECT_STREQ(small, "ZZZZZZZ");
+    EXPECT_EQ(gui_env_get(env, "INC", small, nullptr, 8, GUI_ENV_ANY), 0);
+    EXPECT_STREQ(small, "changed");
     // Existence does not depend on the 100-byte scratch buffer.
     gui_env_put(env, "LONG", std::string(300, 'x').c_str(), GUI_ENV_LOCAL);
     EXPECT_TRUE(gui_env_exists(env, "LONG", GUI_ENV_ANY));
@@ -163,8 +125,8 @@ TEST_F(EnvStore, ErrorCallbackSuppliesMissingValues)
 }
 
 // Random puts, removals and lookups against a plain model of the levels:
-// the index must give the answers of a scan, revival and slot reuse
-// included.
+// the index and the search order local, home, custom, site must give the
+// answers of a scan, revival of removed entries and slot reuse included.
 TEST_F(EnvStore, IndexMatchesAPlainModel)
 {
     GuiEnv env = open_env();
