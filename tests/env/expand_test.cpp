@@ -58,6 +58,7 @@ TEST_F(Expand, ReferenceForms)
         {"$PATHVAR:", "/p"},                 // one trailing colon is removed
         {"a::", "a:"},                       // only one
         {"$UNDEFINED/x", "x"},               // a failed reference drops one character
+        {"%EMPTY/x", "x"},                   // so does an empty value
         {"{$TQL_HOME}/bin", "/home/u/bin"},  // braced forms
         {"${TQL_HOME}", "TQL_HOME}"},        // "$" then "{" is an empty reference
         {"{$TQL_HOME", "/home/u"},           // an unclosed brace ends with the text
