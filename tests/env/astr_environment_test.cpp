@@ -56,7 +56,7 @@ protected:
     std::string local_;
 };
 
-TEST_F(AstrEnvironment, CurrentConfigurationLookups)
+TEST_F(AstrEnvironment, CurrentConfigurationLookupsAndClosing)
 {
     char buffer[64];
     EXPECT_EQ(astr_environment_string("SHARED", buffer, sizeof buffer), 0);
@@ -80,6 +80,16 @@ TEST_F(AstrEnvironment, CurrentConfigurationLookups)
 
     EXPECT_EQ(astr_close_environment(), 1);
     EXPECT_EQ(take(astr_environment_value("SHARED")), "<null>");
+
+    // A current environment closed behind its back is not used; lookups by
+    // name open the files anew.
+    ASSERT_EQ(astr_set_environment("tool"), 1);
+    gui_env_deinit(0);
+    EXPECT_EQ(take(astr_environment_value("SHARED")), "<null>");
+    EXPECT_EQ(astr_close_environment(), 0);
+    EXPECT_EQ(take(astr_get_environment_value("tool", "SHARED", ASTR_SCOPE_HOME)), "home");
+    EXPECT_EQ(astr_set_environment_value("tool", "LATE", "l", ASTR_SCOPE_LOCAL, 1), 1);
+    EXPECT_NE(read_file(local_).find("LATE=l\n"), std::string::npos);
 }
 
 TEST_F(AstrEnvironment, ScopesChooseTheLevel)
@@ -170,18 +180,6 @@ TEST_F(AstrEnvironment, PendingChangesOfTheCurrentConfigurationAreSaved)
     ASSERT_EQ(astr_set_environment("other"), 1);
     EXPECT_EQ(astr_set_environment(""), 0);
     EXPECT_EQ(take(astr_environment_value("OTHER")), "<null>");
-}
-
-TEST_F(AstrEnvironment, EnvironmentClosedBehindItsBack)
-{
-    ASSERT_EQ(astr_set_environment("tool"), 1);
-    gui_env_deinit(0);
-    // The closed handle is not used; lookups by name open the files anew.
-    EXPECT_EQ(take(astr_environment_value("SHARED")), "<null>");
-    EXPECT_EQ(astr_close_environment(), 0);
-    EXPECT_EQ(take(astr_get_environment_value("tool", "SHARED", ASTR_SCOPE_HOME)), "home");
-    EXPECT_EQ(astr_set_environment_value("tool", "LATE", "l", ASTR_SCOPE_LOCAL, 1), 1);
-    EXPECT_NE(read_file(local_).find("LATE=l\n"), std::string::npos);
 }
 
 TEST(AstrStrings, ExtractLineCompareAndTail)
