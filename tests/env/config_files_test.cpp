@@ -68,8 +68,6 @@ TEST_F(ConfigFiles, IncludesAndAddons)
     write("root/config/addons_cfgs/zqtarvex/.hidden.cfg", "HIDDEN=1\n");
 
     CallbackLog log;
-    g_callback_log = &log;
-    gui_env_set_error(recording_callback);
     EXPECT_EQ(ee("FROM_COMMON"), "yes");
     EXPECT_EQ(ee("BASE"), "b");
     EXPECT_EQ(ee("TOOL_DIR"), "b\\tool"); // add-on values are expanded
@@ -77,8 +75,6 @@ TEST_F(ConfigFiles, IncludesAndAddons)
     ASSERT_FALSE(log.calls.empty());
     EXPECT_EQ(log.calls[0].code, GUI_ENV_ERR_NO_FILE);
     EXPECT_EQ(log.calls[0].name, "missing.cfg");
-    gui_env_set_error(nullptr);
-    g_callback_log = nullptr;
 }
 
 TEST_F(ConfigFiles, WriteBackKeepsCommentsAndIncludes)
@@ -112,8 +108,6 @@ TEST_F(ConfigFiles, FailedOrKilledSaveLeavesTheFileIntact)
                 std::signal(SIGXFSZ, SIG_IGN);
             }
             CallbackLog log;
-            g_callback_log = &log;
-            gui_env_set_error(recording_callback);
             gui_env_put_ee("A", std::string(100000, 'n').c_str(), GUI_ENV_LOCAL);
             rlimit limit{4096, 4096};
             setrlimit(RLIMIT_FSIZE, &limit);
@@ -189,11 +183,7 @@ TEST_F(ConfigFiles, WebBrowser)
 std::vector<CallbackLog::Call> calls_while_loading()
 {
     CallbackLog log;
-    g_callback_log = &log;
-    gui_env_set_error(recording_callback);
     gui_env_init();
-    gui_env_set_error(nullptr);
-    g_callback_log = nullptr;
     return log.calls;
 }
 
@@ -260,16 +250,12 @@ TEST_F(ConfigFiles, UnusableFilesAreReportedAndNeverReplaced)
             EXPECT_EQ(calls[0].code, GUI_ENV_ERR_READ);
         }
         CallbackLog log;
-        g_callback_log = &log;
-        gui_env_set_error(recording_callback);
         gui_env_put_ee("A", "new", GUI_ENV_LOCAL);
         EXPECT_EQ(gui_env_deinit(1), 0);
         ASSERT_EQ(log.calls.size(), 1u);
         EXPECT_EQ(log.calls[0].code, GUI_ENV_ERR_WRITE);
         EXPECT_EQ(log.calls[0].name, local);
         EXPECT_EQ(tql::env::last_file_failure().reason, c.reason);
-        gui_env_set_error(nullptr);
-        g_callback_log = nullptr;
         if (fs::is_regular_file(local)) {
             fs::permissions(local, fs::perms::owner_read);
             EXPECT_EQ(read_file(local), "A=old\n");
@@ -292,14 +278,11 @@ TEST_F(ConfigFiles, PathsOfAnyLengthSaveWhereTheyName)
 
     // Beyond the system's limit the save fails and says so.
     CallbackLog log;
-    g_callback_log = &log;
-    gui_env_set_error(recording_callback);
     env = gui_env_open((deep + "/" + std::string(5000, 'z') + ".cfg").c_str(), GUI_ENV_FILE);
     gui_env_put(env, "K", "v", GUI_ENV_LOCAL);
     EXPECT_EQ(gui_env_close(env, 1), 0);
     ASSERT_FALSE(log.calls.empty());
     EXPECT_EQ(log.calls.back().code, GUI_ENV_ERR_WRITE);
-    g_callback_log = nullptr;
 }
 
 TEST_F(ConfigFiles, SavedValuesReadBackWithDuplicatesAndNulBytes)

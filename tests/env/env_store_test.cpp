@@ -10,15 +10,6 @@
 
 namespace tql_test {
 
-CallbackLog* g_callback_log = nullptr;
-
-int recording_callback(int code, const char* config, const char* name, char** out)
-{
-    g_callback_log->calls.push_back({code, config ? config : "<null>", name ? name : "<null>"});
-    if (g_callback_log->set_replacement && out) *out = &g_callback_log->replacement[0];
-    return g_callback_log->result;
-}
-
 namespace {
 
 using EnvStore = EnvTest;
@@ -88,8 +79,6 @@ TEST_F(EnvStore, NullValuesStatesUserPointersAndBufferSizes)
 TEST_F(EnvStore, ErrorCallbackSuppliesMissingValues)
 {
     CallbackLog log;
-    g_callback_log = &log;
-    gui_env_set_error(recording_callback);
     GuiEnv env = open_env();
     env->levels[tql::env::storage_index(GUI_ENV_SITE)].file_name = "\\zq\\config\\.site.v2.cfg";
 
@@ -121,7 +110,6 @@ TEST_F(EnvStore, ErrorCallbackSuppliesMissingValues)
     out = &buffer[0];
     EXPECT_EQ(gui_env_apply_error(GUI_ENV_ERR_NO_FILE, "cfg", "g", &out), 0);
     EXPECT_EQ(out, &buffer[0]); // untouched without a callback
-    g_callback_log = nullptr;
 }
 
 // Random puts, removals and lookups against a plain model of the levels:
