@@ -50,16 +50,39 @@ protected:
     ScopedCurrentDirectory cwd_{sandbox_.path()};
 };
 
-// An error callback that records its calls and answers from a table.
+// An error callback that records its calls and answers from the fields
+// below, installed for as long as the log exists.
 struct CallbackLog {
     struct Call { int code; std::string config; std::string name; };
+    CallbackLog();
+    ~CallbackLog();
+    CallbackLog(const CallbackLog&) = delete;
+    CallbackLog& operator=(const CallbackLog&) = delete;
     std::vector<Call> calls;
     std::string replacement;
     int result = 0;
     bool set_replacement = false;
 };
-extern CallbackLog* g_callback_log;
-int recording_callback(int code, const char* config, const char* name, char** out);
+inline CallbackLog* g_callback_log = nullptr;
+
+inline int recording_callback(int code, const char* config, const char* name, char** out)
+{
+    g_callback_log->calls.push_back({code, config ? config : "<null>", name ? name : "<null>"});
+    if (g_callback_log->set_replacement && out) *out = &g_callback_log->replacement[0];
+    return g_callback_log->result;
+}
+
+inline CallbackLog::CallbackLog()
+{
+    g_callback_log = this;
+    gui_env_set_error(recording_callback);
+}
+
+inline CallbackLog::~CallbackLog()
+{
+    gui_env_set_error(nullptr);
+    g_callback_log = nullptr;
+}
 
 } // namespace tql_test
 

@@ -58,6 +58,7 @@ TEST_F(Expand, ReferenceForms)
         {"$PATHVAR:", "/p"},                 // one trailing colon is removed
         {"a::", "a:"},                       // only one
         {"$UNDEFINED/x", "x"},               // a failed reference drops one character
+        {"%EMPTY/x", "x"},                   // so does an empty value
         {"{$TQL_HOME}/bin", "/home/u/bin"},  // braced forms
         {"${TQL_HOME}", "TQL_HOME}"},        // "$" then "{" is an empty reference
         {"{$TQL_HOME", "/home/u"},           // an unclosed brace ends with the text
@@ -96,6 +97,14 @@ TEST_F(Expand, FailuresAndSizes)
     const std::string long_name(70, 'L');
     gui_env_put(env, long_name.c_str(), "long", GUI_ENV_LOCAL);
     EXPECT_EQ(expand(env, ("%" + long_name + "!").c_str()), "long!");
+
+    // The system-only form leaves %NAME references alone.
+    ScopedEnv var("TQL_SYS", std::string("s"));
+    char system_only[16];
+    ASSERT_EQ(gui_env_expand_str_system_only(system_only, "%V{%V}$TQL_SYS", sizeof system_only, env,
+                                             static_cast<GuiEnv>(nullptr)),
+              0);
+    EXPECT_STREQ(system_only, "%V{%V}s");
 }
 
 TEST_F(Expand, LookupOrderAndCallback)
@@ -112,12 +121,20 @@ TEST_F(Expand, LookupOrderAndCallback)
     EXPECT_STREQ(out, "second");
     ASSERT_EQ(gui_env_expand_str(out, "%D", 64, env, static_cast<GuiEnv>(nullptr)), 0);
     EXPECT_STREQ(out, "default-only");
+    // Get and expand in the caller's buffer, in one environment or the
+    // default one.
+    gui_env_put(env, "DIR", "%ROOT\\bin", GUI_ENV_LOCAL);
+    gui_env_put(env, "ROOT", "\\opt", GUI_ENV_SITE);
+    EXPECT_EQ(gui_env_get_and_expand(env, "DIR", out, nullptr, sizeof out, GUI_ENV_ANY), 0);
+    EXPECT_STREQ(out, "\\opt\\bin");
+    EXPECT_EQ(gui_env_get_and_expand(env, "DIR", out, nullptr, 4, GUI_ENV_ANY), 10);
+    gui_env_put_ee("EE", "%D", GUI_ENV_LOCAL);
+    EXPECT_EQ(gui_env_get_ee_and_expand("EE", out, nullptr, sizeof out, GUI_ENV_ANY), 0);
+    EXPECT_STREQ(out, "default-only");
 
     // The callback is asked once, after every environment failed, and its
     // replacement is expanded like any value.
     CallbackLog log;
-    g_callback_log = &log;
-    gui_env_set_error(recording_callback);
     log.result = 1;
     log.set_replacement = true;
     log.replacement = "[%D]";
@@ -130,19 +147,6 @@ TEST_F(Expand, LookupOrderAndCallback)
     ASSERT_EQ(gui_env_expand_str(out, "$tql_unset", 64, env, static_cast<GuiEnv>(nullptr)), 0);
     EXPECT_STREQ(out, "sys");
     EXPECT_EQ(log.calls.back().code, GUI_ENV_ERR_NO_SYSVAR);
-    g_callback_log = nullptr;
-}
-
-TEST_F(Expand, SystemOnlyLeavesPercentAlone)
-{
-    GuiEnv env = open_env();
-    gui_env_put(env, "A", "a", GUI_ENV_LOCAL);
-    ScopedEnv var("TQL_SYS", std::string("s"));
-    char out[64];
-    ASSERT_EQ(gui_env_expand_str_system_only(out, "%A/$TQL_SYS/{%A}/{$TQL_SYS}", 64, env,
-                                             static_cast<GuiEnv>(nullptr)),
-              0);
-    EXPECT_STREQ(out, "%A/s/{%A}/s");
 }
 
 // A reference met again inside its own value counts as undefined: the
@@ -173,15 +177,12 @@ TEST_F(Expand, CyclicReferencesEndAsUndefined)
     for (const Case& c : cases) {
         SCOPED_TRACE(c.source);
         CallbackLog log;
-        g_callback_log = &log;
-        gui_env_set_error(recording_callback);
         EXPECT_EQ(expand(env, c.source), c.expected);
         EXPECT_EQ(log.calls.empty() ? "" : log.calls.back().name, c.asked);
         log.result = 1;
         log.set_replacement = true;
         log.replacement = "%F";
         EXPECT_EQ(expand(env, c.source), c.replaced);
-        g_callback_log = nullptr;
     }
 }
 
@@ -209,21 +210,6 @@ TEST_F(Expand, BufferThatCannotGrowEndsTheProcess)
     EXPECT_EQ(child.exit_status, 1);
     EXPECT_EQ(child.err, "\n###  Exceeded internal string buffer size in gui_env  ###\n");
 #endif
-}
-
-TEST_F(Expand, GetAndExpandInPlace)
-{
-    GuiEnv env = open_env();
-    gui_env_put(env, "DIR", "%ROOT\\bin", GUI_ENV_LOCAL);
-    gui_env_put(env, "ROOT", "\\opt", GUI_ENV_SITE);
-    char buffer[64];
-    EXPECT_EQ(gui_env_get_and_expand(env, "DIR", buffer, nullptr, sizeof buffer, GUI_ENV_ANY), 0);
-    EXPECT_STREQ(buffer, "\\opt\\bin");
-    EXPECT_EQ(gui_env_get_and_expand(env, "DIR", buffer, nullptr, 4, GUI_ENV_ANY), 10);
-    gui_env_put_ee("EE", "%ROOT2", GUI_ENV_LOCAL);
-    gui_env_put_ee("ROOT2", "r", GUI_ENV_LOCAL);
-    EXPECT_EQ(gui_env_get_ee_and_expand("EE", buffer, nullptr, sizeof buffer, GUI_ENV_ANY), 0);
-    EXPECT_STREQ(buffer, "r");
 }
 
 } // namespace

@@ -28,7 +28,7 @@ std::vector<std::string> extracted(const char* list)
     return all;
 }
 
-TEST_F(PathList, SeparatorsAndDrives)
+TEST_F(PathList, SeparatorsDrivesAndSmallDestinations)
 {
     using V = std::vector<std::string>;
     struct Case { const char* list; V expected; } cases[] = {
@@ -44,10 +44,8 @@ TEST_F(PathList, SeparatorsAndDrives)
         EXPECT_EQ(extracted(c.list), c.expected);
     }
     EXPECT_EQ(gui_env_get_tok(nullptr), nullptr);
-}
 
-TEST_F(PathList, SmallDestinationDeliversTheSameElementAgain)
-{
+    // A destination too small delivers the same element again.
     char out[16];
     EXPECT_EQ(gui_env_extract_path(out, "long;b", 0, 3, nullptr), 5);
     EXPECT_EQ(gui_env_extract_path(out, nullptr, 0, 3, nullptr), 5);

@@ -44,7 +44,7 @@ protected:
     void clear() override { ErrorStateTest::clear(), g_calls.clear(); }
 };
 
-TEST_F(ErrorHandlerTest, ReportsGoToTheNewestHandlerThenTheGlobalHooks)
+TEST_F(ErrorHandlerTest, ReportsGoToTheNewestHandlerAndItsOwnHooks)
 {
     aerr_set_error_function(global_hook);
     aerr_set_warning_function(global_hook);
@@ -52,6 +52,7 @@ TEST_F(ErrorHandlerTest, ReportsGoToTheNewestHandlerThenTheGlobalHooks)
         RecordingHandler a("a");
         {
             RecordingHandler b("b");
+            EXPECT_EQ(aerr_get_warning_function(), nullptr);
             report_error("two");
             report_warning("w");
             aerr_process_error("GUI", 12, "M", "T%d", 1);
@@ -59,33 +60,19 @@ TEST_F(ErrorHandlerTest, ReportsGoToTheNewestHandlerThenTheGlobalHooks)
         }
         report_error("three");
         EXPECT_FALSE(error_pending());
-    }
-    report_error("four");
-    EXPECT_EQ(g_calls, (Calls{"b:1::-1::two", "b:2::-1::w", "b:1:GUI:12:M:T1", "b:2:GUI:7:W:", "a:1::-1::three", "global:four"}));
-}
-
-TEST_F(ErrorHandlerTest, HooksBelongToTheCurrentHandler)
-{
-    aerr_set_error_function(global_hook);
-    {
-        RecordingHandler a("a");
-        EXPECT_EQ(aerr_get_error_function(), nullptr);
+        // Hooks set while a handler is current belong to that handler.
         EXPECT_EQ(aerr_set_error_function(handler_hook), handler_hook);
         aerr_set_warning_function(handler_hook);
         EXPECT_EQ(a.get_legacy_error_function(), handler_hook);
         report_error("e");
         report_warning("w");
-        {
-            RecordingHandler b("b");
-            EXPECT_EQ(aerr_get_warning_function(), nullptr);
-            report_error("inner");
-        }
-        EXPECT_EQ(aerr_get_error_function(), handler_hook);
         a.set_legacy_error_function(nullptr);
         EXPECT_EQ(aerr_get_error_function(), nullptr);
     }
     EXPECT_EQ(aerr_get_error_function(), global_hook);
-    EXPECT_EQ(g_calls, (Calls{"hook:e", "hook:w", "b:1::-1::inner"}));
+    report_error("four");
+    EXPECT_EQ(g_calls, (Calls{"b:1::-1::two", "b:2::-1::w", "b:1:GUI:12:M:T1", "b:2:GUI:7:W:", "a:1::-1::three",
+                              "hook:e", "hook:w", "global:four"}));
 }
 
 TEST_F(ErrorHandlerTest, HandlerOwnReportsBypassHooksAndKeepTheText)
