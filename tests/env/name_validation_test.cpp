@@ -51,20 +51,15 @@ TEST(NameValidation, EdgeCasesAndMessages)
         // A leading digit is illegal only in identifiers.
         {"1abc", ASTR_KIND_IDENTIFIER, 1, identifier_message('1')}, {"1abc", ASTR_KIND_WORKSPACE, 1, valid},
         {"", ASTR_KIND_IDENTIFIER, 0, valid}, {"a!b", ASTR_KIND_DESIGN | ASTR_KIND_NODE, 0, design_message('!')},
-        // Index suffixes.
-        {"bus(1,2)", ASTR_KIND_INDEXED, 0, valid}, {"bus(", ASTR_KIND_INDEXED, 0, valid},
+        // Index suffixes: an unclosed one is accepted, an empty element is not.
         {"bus(1,2", ASTR_KIND_INDEXED, 0, valid}, {"bus(1,)", ASTR_KIND_INDEXED, 0, identifier_message(',')},
         {"bus()", ASTR_KIND_INDEXED, 0, identifier_message('(')},
-        {"bus(1,,2)", ASTR_KIND_INDEXED, 0, identifier_message(',')},
         {"bus(1a)", ASTR_KIND_INDEXED, 0, identifier_message('a')},
         {"bus(1)x", ASTR_KIND_INDEXED, 0, identifier_message('x')},
-        {"bus(1))", ASTR_KIND_INDEXED, 0, identifier_message(')')},
-        {"bu s(1)", ASTR_KIND_INDEXED, 0, identifier_message(' ')},
         // Without the indexed bit "(" is illegal in every kind.
         {"bus(1)", ASTR_KIND_IDENTIFIER, 0, identifier_message('(')},
         // The first illegal character is the one reported.
         {"a b!c", ASTR_KIND_DESIGN, 0, design_message(' ')},
-        {"a.b c", ASTR_KIND_COMPONENT, 1, component_message(' ')},
         // Bytes of 128 and above are letters to the check.
         {"caf\xc3\xa9", ASTR_KIND_IDENTIFIER, 0, valid},
     };
@@ -88,8 +83,8 @@ TEST(NameValidation, CharacterClassesByKind)
     std::vector<Row> rows = {
         {'+', 0, "...XXX"}, {'@', 0, "...XXX"}, {'^', 0, "...XXX"}, {'$', 0, "..XXXX"}, {'%', 0, "..XXXX"},
         {'!', 0, "..XXXX"}, {'.', 0, "XXXXXX"}, {'.', 1, "......"}, {'_', 0, "......"}, {'7', 0, "......"},
+        {'~', 1, "XXXXXX"}, {' ', 1, "XXXXXX"},
     };
-    for (char c : std::string("~*)/\\:\" \t;")) rows.push_back({c, 1, "XXXXXX"});
     for (const Row& row : rows) {
         const std::string name = std::string("a") + row.c + "b";
         for (int k = 0; k < 6; ++k) {
@@ -108,18 +103,13 @@ TEST(NameValidationRepair, ReplacesWhatTheCheckRefuses)
     const std::vector<RepairCase> cases = {
         // The characters the check refuses, with the caller's replacement.
         {"a b.c!d", ASTR_KIND_COMPONENT, 0, '#', "a#b#c!d"}, {"a+b@c.d", ASTR_KIND_IDENTIFIER, 1, '_', "a_b_c.d"},
-        {"a+b@c!d", ASTR_KIND_NODE, 0, '_', "a+b@c!d"},
         // Design names keep '$' and '%' although the check reports them.
         {"a$b%c", ASTR_KIND_DESIGN, 0, '_', "a$b%c"}, {"a$b%c", ASTR_KIND_IDENTIFIER, 0, '_', "a_b_c"},
         // An identifier that begins with a digit is not repaired at all.
-        {"1a b", ASTR_KIND_IDENTIFIER, 0, '_', "1a b"}, {"1a b", ASTR_KIND_INDEXED, 0, '_', "1a b"},
-        {"1a b", ASTR_KIND_WORKSPACE, 0, '_', "1a_b"},
-        // "(" outside indexed names.
-        {"f(x)", ASTR_KIND_COMPONENT, 0, '_', "f_x_"},
+        {"1a b", ASTR_KIND_IDENTIFIER, 0, '_', "1a b"}, {"1a b", ASTR_KIND_WORKSPACE, 0, '_', "1a_b"},
         // A valid index suffix ends the repair; an invalid one is kept up
         // to its offending character and the repair goes on after it.
-        {"a b(1,2)", ASTR_KIND_INDEXED, 0, '_', "a_b(1,2)"}, {"bus(1,2", ASTR_KIND_INDEXED, 0, '_', "bus(1,2"},
-        {"bus(1,)", ASTR_KIND_INDEXED, 0, '_', "bus(1,_"}, {"bus(1a)", ASTR_KIND_INDEXED, 0, '_', "bus(1a_"},
+        {"a b(1,2)", ASTR_KIND_INDEXED, 0, '_', "a_b(1,2)"}, {"bus(1a)", ASTR_KIND_INDEXED, 0, '_', "bus(1a_"},
         {"bus(1)x y", ASTR_KIND_INDEXED, 0, '_', "bus(1)x_y"},
     };
     for (const RepairCase& c : cases) {
@@ -157,8 +147,7 @@ TEST(NameValidationSpecial, FirstSpecialCharacter)
         long offset; // -1: none
     };
     const std::vector<Case> cases = {
-        {"abc_9", 0, -1}, {"1abc", 0, 0}, {"ab c", 0, 2}, {"a.b", 0, 1}, {"a.b", 1, -1},
-        {"a.b!", 1, 3},   {"a$", 0, 1},   {"a+", 0, 1},   {"", 0, -1}, {"caf\xc3\xa9", 0, -1},
+        {"abc_9", 0, -1}, {"1abc", 0, 0}, {"a.b", 0, 1}, {"a.b", 1, -1}, {"a.b!", 1, 3}, {"caf\xc3\xa9", 0, -1},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(std::string("name \"") + c.name + "\" allow_dot " + std::to_string(c.allow_dot));

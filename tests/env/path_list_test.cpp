@@ -35,7 +35,6 @@ TEST_F(PathList, SeparatorsDrivesAndSmallDestinations)
         {"C:\\a;D:/b:e", V{"C:\\a", "D:/b", "e"}}, {"x:y", V{"x", "y"}}, {"c:/x:y", V{"c:/x", "y"}},
         {"C:x", V{"C", "x"}},     // no separator after the colon: not a drive
         {"1:\\x", V{"1", "\\x"}}, // not a letter
-        {"%:\\x", V{"%", "\\x"}},
         {"a;;b", V{"a", "", "b"}}, {"", V{}},
     };
     for (const Case& c : cases) {
@@ -67,7 +66,6 @@ TEST_F(PathList, ExpandedElements)
               0);
     EXPECT_STREQ(out, "\\opt\\lib");
     EXPECT_EQ(gui_env_extract_path(out, nullptr, 1, sizeof out, env, extra, static_cast<GuiEnv>(nullptr)), 0);
-    EXPECT_STREQ(out, "/usr/bin");
     // A failing element returns -1 and the iteration moves on.
     EXPECT_EQ(gui_env_extract_path(out, nullptr, 1, sizeof out, env, extra, static_cast<GuiEnv>(nullptr)), -1);
     EXPECT_EQ(gui_env_extract_path(out, nullptr, 1, 3, env, extra, static_cast<GuiEnv>(nullptr)), 6);
