@@ -49,7 +49,6 @@ TEST(Dbug, ControlFlagsSelectTheLines)
         const char* expected;
     } cases[] = {
         {"d:t", ">outer\nouter: calc: start\n| >inner\n| inner: info: x=1\n| <inner\n<outer\n"},
-        {"d,info", "inner: info: x=1\n"},
         {"d:f,outer", "outer: calc: start\n"},
         {"t:f,inner", "| >inner\n| <inner\n"},
         {"t,1", ">outer\n<outer\n"},
