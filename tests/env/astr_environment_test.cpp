@@ -59,6 +59,7 @@ protected:
 TEST_F(AstrEnvironment, CurrentConfigurationLookupsAndClosing)
 {
     char buffer[64];
+    EXPECT_EQ(astr_environment_string("SHARED", buffer, sizeof buffer), 0); // no current configuration
     ASSERT_EQ(astr_set_environment("tool"), 1);
     EXPECT_EQ(take(astr_environment_value("SHARED")), "local");
     // The expansion needs more room than the stored value.
