@@ -26,7 +26,7 @@ int record_recovery(unsigned int size, int argument)
     return 8;
 }
 
-TEST(MemoryReserve, ExchangeReleaseAndRestore)
+TEST(MemoryReserve, ExchangeHandsBackTheSettingAndRecoveryReleasesTheReserve)
 {
     EXPECT_EQ(gui_stdlib_recover(3), 1); // nothing installed
 
