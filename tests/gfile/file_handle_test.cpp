@@ -12,27 +12,23 @@
 namespace tql_test {
 namespace {
 
-std::vector<std::string> limited_lines(const std::string& file, int n = GFILE_LINE_MAX)
+// The lines of `file` as gfile_getline_limited (at most 1,023 characters
+// each) or gfile_getline_std_string reads them.
+std::vector<std::string> read_lines(const std::string& file, bool std_string)
 {
     FILE* fp = nullptr;
     EXPECT_EQ(gfile_filopn(&fp, file.c_str(), GFILE_READ), 1);
     std::vector<std::string> lines;
-    std::vector<char> buf(n);
-    while (gfile_getline_limited(fp, buf.data(), n)) lines.push_back(buf.data());
-    gfile_filcls(fp);
-    return lines;
-}
-
-std::vector<std::string> string_lines(const std::string& file)
-{
-    FILE* fp = nullptr;
-    gfile_filopn(&fp, file.c_str(), GFILE_READ);
-    std::vector<std::string> lines;
+    char buf[GFILE_LINE_MAX];
     std::string line = "stale";
-    while (gfile_getline_std_string(fp, &line)) lines.push_back(line);
+    while (std_string ? gfile_getline_std_string(fp, &line) : gfile_getline_limited(fp, buf, sizeof buf)) {
+        lines.push_back(std_string ? line : std::string(buf));
+    }
     gfile_filcls(fp);
     return lines;
 }
+std::vector<std::string> limited_lines(const std::string& file) { return read_lines(file, false); }
+std::vector<std::string> string_lines(const std::string& file) { return read_lines(file, true); }
 
 TEST(FileHandle, LineEndsEndOfFileMarkAndLongLines)
 {
