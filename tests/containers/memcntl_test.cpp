@@ -158,13 +158,11 @@ TEST(MemCntl, BadPointersAndDamageAreRefused)
     std::memset(c, 0, 32);
     void* chunk = pool.state;
     void* heap = gmem_ee_malloc(64, 1);
-    alignas(8) uint64_t stack[4] = {0, 0, 0, 0};
     const struct {
         const char* what;
         void* pointer;
     } foreign[] = {
         {"malloc block", heap},
-        {"stack", &stack[1]},
         {"misaligned", static_cast<char*>(a) + 1},
         {"inside a block", c + 16},
     };
