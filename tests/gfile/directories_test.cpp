@@ -34,6 +34,9 @@ TEST(GfileDirectories, MkdirAndCreatability)
     std::snprintf(path, sizeof path, "%s", "$TQL_MKDIR_HOME\\x");
     EXPECT_EQ(gfile_mkdir(path, 0, 0755), 1);
     EXPECT_TRUE(fs::is_directory(dir.path() + "/home/x"));
+    std::snprintf(path, sizeof path, "%s", "%TQL_MKDIR_HOME%/y/z");
+    EXPECT_EQ(gfile_mkdir(path, 1, 0755), 1);
+    EXPECT_TRUE(fs::is_directory(dir.path() + "/home/y/z"));
 
     ScopedEnv unset("TQL_NOSUCH", std::nullopt);
     const ChildResult child = run_in_child([] { char missing[] = "%TQL_NOSUCH%\\x"; std::printf("%d", gfile_mkdir(missing, 1, 0755)); });
@@ -96,6 +99,8 @@ TEST(GfileDirectories, SizesAndPaths)
     EXPECT_EQ(std::string(buffer), fs::canonical(dir.path() + "/t/sub").string() + "\\");
     EXPECT_EQ(fs::current_path(), before);
     std::snprintf(buffer, sizeof buffer, "%s/none", dir.path().c_str());
+    EXPECT_EQ(gfile_setdefpath(buffer), 0);
+    buffer[0] = '\0';
     EXPECT_EQ(gfile_setdefpath(buffer), 0);
 
     {

@@ -66,6 +66,7 @@ TEST_F(GfileTree, CopyFileAndWildcards)
     EXPECT_EQ(tree(txt), std::set<std::string>{"a.txt"});
     EXPECT_EQ(gfile_cp((src_ + "/*.txt").c_str(), (txt + "/none").c_str(), 0), 0); // needs a directory
     EXPECT_EQ(gfile_cp((src_ + "/missing").c_str(), txt.c_str(), 0), 0);
+    EXPECT_EQ(gfile_cp(("/" + std::string(1100, 'x')).c_str(), txt.c_str(), 0), 0);
 }
 
 TEST_F(GfileTree, RemoveAndChmod)

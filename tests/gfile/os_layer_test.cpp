@@ -47,6 +47,8 @@ TEST(OsLayer, ListingsStatusDirectoriesAndStreams)
     struct stat st;
     ASSERT_EQ(tql_stat((dir.path() + "\\d\\a.txt").c_str(), &st), 0);
     EXPECT_EQ(st.st_size, 1);
+    ASSERT_EQ(tql_stat("C:", &st), 0);
+    EXPECT_TRUE(S_ISDIR(st.st_mode));
     EXPECT_EQ(tql_stat((dir.path() + "/none").c_str(), nullptr), -1);
     EXPECT_EQ(tql_stat(nullptr, &st), -1);
     EXPECT_EQ(tql_mkdir(nullptr, 0), -1);
