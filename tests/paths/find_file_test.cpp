@@ -42,6 +42,7 @@ TEST(FindFile, SearchesThePathListInOrderOrTheCurrentDirectory)
 
     // Absolute names are tested as they are, after clean-up.
     EXPECT_EQ(found((b + "//tool.cfg").c_str(), "", 0), library(b) + "\\tool.cfg");
+    EXPECT_EQ(found((a + "/sub").c_str(), "", 0), "<none>");
 
     // Long entries make the candidate buffer grow.
     const std::string deep = dir.path() + "/" + std::string(150, 'd');

@@ -128,6 +128,9 @@ TEST(FileNameParts, QuotingAndCase)
     char* copy = ZQ_quote_argument_copy(nullptr);
     EXPECT_STREQ(copy, "\"\"");
     gmem_ee_free(copy);
+    copy = ZQ_quote_argument_copy("t\tab");
+    EXPECT_STREQ(copy, "\"t\tab\"");
+    gmem_ee_free(copy);
 
     char text[] = "MiXeD \xc9";
     EXPECT_STREQ(ZQ_strlwr(text), "mixed \xc9");
