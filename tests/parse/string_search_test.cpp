@@ -14,15 +14,16 @@ TEST(TqlStrcmp, NullIsEmptyAndResultsAreMinusOneZeroOne)
         int expected;
     };
     const Case cases[] = {
-        {nullptr, "", 0},  {"", nullptr, 0}, {nullptr, "x", -1}, {"x", nullptr, 1},
-        {"abz", "abcdef", 1},                 // far apart: still exactly -1/1
-        {"ab", "abc", -1}, {"abc", "ab", 1},  // prefixes
-        {"A", "a", -1},                       // byte-wise, case matters
-        {"\x80", "a", 1},  {"a", "\xff", -1}, // unsigned bytes
+        {nullptr, "", 0}, {nullptr, "x", -1},
+        {"abz", "abcdef", 1}, // far apart: still exactly -1/1
+        {"ab", "abc", -1},    // a prefix
+        {"A", "a", -1},       // byte-wise, case matters
+        {"\x80", "a", 1},     // unsigned bytes
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(testing::Message() << (c.a ? c.a : "(null)") << " vs " << (c.b ? c.b : "(null)"));
         EXPECT_EQ(tql_strcmp(c.a, c.b), c.expected);
+        EXPECT_EQ(tql_strcmp(c.b, c.a), -c.expected);
     }
 }
 

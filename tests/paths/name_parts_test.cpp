@@ -88,15 +88,13 @@ TEST(FileNameParts, TrailingSeparators)
     EXPECT_EQ(gfile_strip_dir_name_qt(QString("d/")), QString("d"));
     EXPECT_EQ(gfile_strip_dir_name_and_convert_qt(QString("a/b/")), QString("a\\b"));
 
-    char dir[16] = "a/b/";
-    gfile_prepare_dir_name(dir);
-    EXPECT_STREQ(dir, "a/b\\");
-    std::strcpy(dir, "a");
-    gfile_prepare_dir_name(dir);
-    EXPECT_STREQ(dir, "a\\");
-    dir[0] = '\0';
-    gfile_prepare_dir_name(dir);
-    EXPECT_STREQ(dir, "");
+    // Only the last character is looked at; an empty name stays empty.
+    for (const auto& [in, out] : {std::pair{"a/b/", "a/b\\"}, {"a", "a\\"}, {"", ""}}) {
+        char dir[16];
+        std::strcpy(dir, in);
+        gfile_prepare_dir_name(dir);
+        EXPECT_STREQ(dir, out);
+    }
 
     char name[16] = "a/b/c";
     EXPECT_EQ(convertFileName(name), name);

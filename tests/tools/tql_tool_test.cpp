@@ -72,14 +72,11 @@ TEST(TqlTool, InformationCommands)
         {"version", 0, std::string(kps_version_str("")) + "\n", true},
         {"getenv TQL_TOOL_SET", 0, "/opt/zq\n", true},
         {"getenv TQL_TOOL_STORED", 0, "from-store\n", true},
-        {"getenv TQL_TOOL_UNSET", 1, "tql: TQL_TOOL_UNSET is not defined\n", true},
         {"errors", 0, " 23  Cannot open file\n"},
         {"errors", 0, "  0  GuiErrno out of range\n"},
         {"expand '$TQL_TOOL_SET/bin:'", 0, "/opt/zq/bin\n", true},
-        {"expand '$TQL_TOOL_UNSET'", 1, "tql: '$TQL_TOOL_UNSET' expands to nothing\n", true},
         {"path native 'C:\\a\\b'", 0, "/a/b\n", true},
         {"path canon 'C:/x//y/'", 0, "C:\\x\\y\n", true},
-        {"path canon ./", 1, ""},
     };
     for (const ToolCase& r : runs) {
         check(r);
@@ -91,13 +88,15 @@ TEST(TqlTool, FileCommands)
     tql_test::TempDir dir;
     dir.write_file("src/a.txt", "abc");
     dir.write_file("src/sub/b.txt", std::string(4096, 'b'));
+    dir.write_file("out/sub", "a file where the copy needs a directory");
     const std::string d = dir.path();
     const ToolCase runs[] = {
         {"cp " + d + "/src " + d + "/copy", 1, ""}, // a directory needs -r
         {"cp " + d + "/src " + d + "/copy -r", 0, ""},
         {"cp " + d + "/src/a.txt " + d + "/one.txt", 0, ""},
-        {"cp " + d + "/none " + d + "/x", 1, "tql: cannot copy " + d + "/none"},
-        {"du " + d + "/none", 1, ""},
+        // A failed tree walk names the entry it stopped at and the reason.
+        {"cp " + d + "/src " + d + "/out -r", 1,
+         "tql: cannot copy " + d + "/src: " + d + "/out/sub: Error writing file (File exists)\n", true},
         {"rm " + d + "/copy", 1, ""}, // a directory needs -r
         {"rm " + d + "/copy -r", 0, ""},
         {"rm " + d + "/one.txt", 0, ""},
@@ -127,7 +126,6 @@ TEST(TqlTool, EnvironmentCommands)
         {"env", 0, "BIN=C:\\t\\bin\n    native: /t/bin\n    from site"},
         {"env TOOL", 0, "TOOL=%BIN\\tql\n    expands to: C:\\t\\bin\\tql  (native: /t/bin/tql)\n"},
         {"env get editor --level site", 0, "vi\n", true},
-        {"env NOPE", 1, ""},
         {"env set NEW value --level local --save", 0, ""},
         {"env rm EDITOR --level local --save", 0, ""},
         {"env get EDITOR", 0, "vi\n", true},
@@ -152,31 +150,16 @@ TEST(TqlTool, NameParseAndNumberCommands)
         {"name check design a.b", 1, ""},
         {"name check design a.b --allow-dot", 0, ""},
         {"name fix workspace 'my work:space'", 0, "my_work_space\n", true},
-        {"name check planet x", 2, ""},
         {"parse --seps '; ' --marks = --end '!' " + file, 0,
          "line 1: 5 fields\n  0  text     a\n  1  text     =\n  2  integer  12\n  3  number   2.5\n"
          "  4  text     x\nline 2: 0 fields\nline 3: 1 field\n  0  text     k\n",
          true},
-        {"parse " + dir.path() + "/none", 1, ""},
-        {"parse --seps", 2, ""},
         {"num fmt 123.456 13 2", 0, "gparse_dbltoas 1  \"123.46\"\n"},
         {"num fmt 0 10 2", 0, "gparse_dbltoas 1  \"     0.00\"\n"},
-        {"num fmt x 10 2", 2, ""},
     };
     for (const ToolCase& r : runs) {
         check(r);
     }
-}
-
-TEST(TqlTool, TreeWalkFailureNamesTheEntryAndTheReason)
-{
-    tql_test::TempDir dir;
-    dir.write_file("src/sub/a.txt", "a");
-    dir.write_file("out/sub", "a file where the copy needs a directory");
-    const ToolRun run = tql("cp " + dir.path() + "/src " + dir.path() + "/out -r", true);
-    EXPECT_EQ(run.status, 1);
-    EXPECT_EQ(run.out, "tql: cannot copy " + dir.path() + "/src: " + dir.path() +
-                           "/out/sub: Error writing file (File exists)\n");
 }
 
 // tql crypt in a private installation, a header it makes read back by
@@ -192,9 +175,6 @@ TEST(TqlTool, CryptCommands)
     const ToolRun line = tql("crypt encrypt 'hello world'");
     ASSERT_EQ(line.status, 0);
     EXPECT_EQ(tql("crypt decrypt " + line.out).out, "hello world\n");
-    const ToolRun bad = tql("crypt decrypt 'x*'", true);
-    EXPECT_EQ(bad.status, 1);
-    EXPECT_EQ(bad.out, "tql: GCRYPTERR: unsupported character in string\n");
     EXPECT_EQ(tql("crypt header x alpha").status, 2);
 
     const ToolRun header = tql("crypt header 42 alpha");
@@ -249,7 +229,6 @@ TEST(TqlTool, Grep)
         {"'^PATH=' " + file + " " + dir.path() + "/missing", 2, file + ":PATH=/bin\n"},
         {"nothing " + file, 1, ""},
         {"'a**' " + file, 2, ""},
-        {"-s", 2, ""},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.arguments);
@@ -269,54 +248,13 @@ TEST(TqlTool, HashCommands)
         {"hash put " + db + " one 'first value'", 0, "", true},
         {"hash put " + db + " 'tab\tkey' 'a\\b'", 0, "", true},
         {"hash get " + db + " one", 0, "first value\n", true},
-        {"hash get " + db + " two", 1, "tql: " + db + " has no key 'two'\n", true},
         {"hash dump " + db, 0, "tab\\x09key\ta\\\\b\n"},
         {"hash stat " + db, 0, "pairs           2\n"},
         {"hash stat " + foreign, 1, "tql: cannot open " + foreign + ": Invalid argument\n", true},
-        {"hash get " + db, 2, "Try 'tql hash --help'."},
     };
     for (const ToolCase& r : runs) {
         check(r);
     }
-}
-
-TEST(TqlTool, MessageAndProjectCommands)
-{
-    tql_test::TempDir dir;
-    const std::string root = dir.path() + "/root";
-    dir.write_file("root/config/zqtarvex.cfg", "ZQTARVEX_MSG_FILE=" + root + "/dir.cfg\nPROJECT_CFG_NAME=proj\n");
-    dir.write_file("root/dir.cfg", "SET=" + root + "/set\n");
-    dir.write_file("root/set", "first\nsecond\n");
-    tql_test::ScopedEnv zq_dir("ZQTARVEX_DIR", root);
-    tql_test::ScopedEnv home("HOME", dir.path() + "/home");
-    tql_test::ScopedEnv config_home("XDG_CONFIG_HOME", dir.path() + "/xdg");
-    tql_test::ScopedEnv language("ZQTARVEX_LANGUAGE", std::nullopt);
-    tql_test::ScopedCurrentDirectory cwd(dir.path());
-    const std::string p = dir.path() + "/p";
-    const std::string q = dir.path() + "/q";
-    struct Case {
-        std::string arguments;
-        int status;
-        std::string out;
-    } cases[] = {
-        {"msg SET 2", 0, "second\n"},
-        {"msg list SET", 0, "    1  first\n    2  second\n"},
-        {"msg SET 3", 1, "tql: message SET 3: Invalid message retrieval line number\n"},
-        {"msg NOSET 1", 1, "tql: message NOSET 1: Unable to find message set for message retrieval\n"},
-        {"prj new " + p, 0, ""},
-        {"prj new " + p, 1, "tql: cannot create " + p + ": Input project exists.\n"},
-        {"prj test " + p, 0, p + " is a project, version 1000\n"},
-        {"prj copy " + p + " " + q, 0, ""},
-        {"prj rm " + q, 0, ""},
-        {"prj test " + q, 1, "tql: " + q + " is not a project: Input project path does not exist.\n"},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.arguments);
-        const ToolRun run = tql(c.arguments, true);
-        EXPECT_EQ(run.status, c.status);
-        EXPECT_EQ(run.out, c.out);
-    }
-    EXPECT_EQ(tql_test::read_file(p + "/proj.cfg"), "PROJECT_VERSION=1000\n");
 }
 
 namespace {
@@ -348,8 +286,6 @@ TEST(TqlTool, EnvironmentCheckAndFailureMessages)
         << listing.out;
     EXPECT_NE(listing.out.find("tql: warning: cannot read " + dir.path() +
                                "/home/zqtarvex/config/zqtarvex.cfg: Is a directory\n"),
-              std::string::npos);
-    EXPECT_NE(tql("env files").out.find("home    not a regular file " + dir.path() + "/home/zqtarvex/config/zqtarvex.cfg"),
               std::string::npos);
 
     chmod((dir.path() + "/zqtarvex.cfg").c_str(), 0444);
@@ -452,9 +388,6 @@ TEST(TqlTool, ProgressOnlyOnATerminalAndAnEmptyEnvironmentSaysWhereItLooked)
     dir.write_file("tree/b/two.txt", "2");
     const std::string tree = dir.path() + "/tree";
     check({"cp -r " + tree + " " + dir.path() + "/copy", 0, "", true});
-    EXPECT_TRUE(gfile_is_dir((dir.path() + "/copy/b").c_str()));
-    check({"du " + tree, 0, "", false});
-    EXPECT_EQ(tql("du " + tree, true).out, tql("du " + tree).out);
 
     int master = -1;
     const pid_t child = forkpty(&master, nullptr, nullptr, nullptr);
