@@ -8,6 +8,7 @@
 
 #include <tql70/gmath.h>
 
+#include <algorithm>
 #include <cfloat>
 #include <cmath>
 #include <cstdint>
@@ -52,13 +53,14 @@ __attribute__((noinline)) float sno_pwr_rule(float x, float y)
 }
 
 // A positive finite base to a finite power is always defined, and its
-// power, positive, mostly lies inside the bounds untouched.
+// power is positive and never a NaN: the clamp reduces to a minimum and a
+// flush, done without branches since powers far outside the bounds are
+// common.
 float sno_pwr(float x, float y)
 {
     if (__builtin_expect(x > 0 && x <= FLT_MAX && std::fabs(y) <= FLT_MAX, 1)) {
-        const double power = std::pow(static_cast<double>(x), static_cast<double>(y));
-        return power >= kSingleBounds.smallest && power <= kSingleBounds.largest ? static_cast<float>(power)
-                                                                                : single_result(power);
+        const double power = std::min(std::pow(static_cast<double>(x), static_cast<double>(y)), kSingleBounds.largest);
+        return static_cast<float>(power >= kSingleBounds.smallest ? power : 0.0);
     }
     return sno_pwr_rule(x, y);
 }
