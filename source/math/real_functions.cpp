@@ -77,8 +77,8 @@ float magxy(float x, float y)
 }
 
 // log(sqrt(w) + x) with w = x*x - 1 clamped. Up to 1e154 the clamp of w
-// does not act and the value is acosh(x), which the C library computes to
-// the last bit: a tail call. Above about 1.34e154 the clamp shows and the
+// does not act and the value is acosh(x), which the C library computes
+// without rounding each step: a tail call. Above about 1.34e154 the clamp shows and the
 // formula is taken as written, w formed as (x-1)(x+1): the result is
 // log(x + 1.34e154).
 __attribute__((noinline)) double dno_acosh_rule(double x)
