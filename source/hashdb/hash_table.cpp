@@ -638,9 +638,12 @@ bool HashTable::insert_record(uint32_t bucket, const std::string& record)
     return true;
 }
 
-void HashTable::remove_record(Found& found)
+// Takes the pair out of its page, frees the pages of a big pair and counts
+// one key less.
+void HashTable::remove_pair(Found& found)
 {
     unsigned char* p = found.page->bytes.data();
+    const uint32_t big = load16(p + found.offset) == kBigMark ? load32(p + found.offset + 4) : 0;
     uint32_t length = 0;
     record_bounds(*found.page, found.offset, length);
     const uint32_t end = kPageHead + load16(p + 6);
@@ -653,6 +656,8 @@ void HashTable::remove_record(Found& found)
         found.previous->dirty = true;
         free_overflow(found.page->number);
     }
+    free_chain(big);
+    --nkeys_;
 }
 
 // Splits the next bucket into itself and a new last bucket. Skipped (the
@@ -760,11 +765,7 @@ int HashTable::put(const DBT& key, const DBT& data, unsigned flags)
             out_of_overflow();
             return -1;
         }
-        const unsigned char* r = found.page->bytes.data() + found.offset;
-        const uint32_t big = load16(r) == kBigMark ? load32(r + 4) : 0;
-        remove_record(found);
-        free_chain(big);
-        --nkeys_;
+        remove_pair(found);
     }
     if (!insert_record(bucket_of(h), record)) {
         drop_new_chain();
@@ -791,11 +792,7 @@ int HashTable::del(const DBT& key)
     if (result != 0) {
         return result;
     }
-    const unsigned char* r = found.page->bytes.data() + found.offset;
-    const uint32_t big = load16(r) == kBigMark ? load32(r + 4) : 0;
-    remove_record(found);
-    free_chain(big);
-    --nkeys_;
+    remove_pair(found);
     cursor_returned_ -= cursor_returned_ > 0;
     header_dirty_ = true;
     return 0;

@@ -81,7 +81,7 @@ private:
     void free_chain(uint32_t first);
     bool make_record(const DBT& key, const DBT& data, std::string& record);
     bool insert_record(uint32_t bucket, const std::string& record);
-    void remove_record(Found& found);
+    void remove_pair(Found& found);
     bool split();
     bool record_bounds(const Page& page, uint32_t offset, uint32_t& length) const;
     int give_pair(const unsigned char* record, DBT& key, DBT* data);
