@@ -1,5 +1,6 @@
 // Helpers shared by the gmath tests: a fixture that starts from a cleared
-// math-error state, and the distance of two doubles in ulps.
+// math-error state, float infinity and NaN, and the distance of two doubles
+// in ulps.
 #ifndef TQL70_TESTS_MATH_MATH_TEST_SUPPORT_H
 #define TQL70_TESTS_MATH_MATH_TEST_SUPPORT_H
 
@@ -10,12 +11,19 @@
 #include <cmath>
 #include <cstdint>
 #include <cstring>
+#include <limits>
 
 class MathTest : public ::testing::Test {
 protected:
     void SetUp() override { gmath_set_usererr(nullptr), gmath_clr_ematherr(); }
     void TearDown() override { gmath_set_usererr(nullptr); }
 };
+
+inline const float kInf = std::numeric_limits<float>::infinity();
+inline const float kNan = std::numeric_limits<float>::quiet_NaN();
+
+// A C library result in double, narrowed as the single functions narrow it.
+inline float c_library(double value) { return static_cast<float>(value); }
 
 inline double ulps_apart(double a, double b)
 {

@@ -5,14 +5,6 @@
 
 #include <cfloat>
 #include <cmath>
-#include <limits>
-
-namespace {
-const float kInf = std::numeric_limits<float>::infinity();
-const float kNan = std::numeric_limits<float>::quiet_NaN();
-
-float c_library(double value) { return static_cast<float>(value); }
-} // namespace
 
 TEST_F(MathTest, SingleFunctionsClampAndRejectTheirDomainEdges)
 {
