@@ -19,11 +19,7 @@ std::string who()
 
 TEST(CustomDirectory, ReadOnceOnFirstInit)
 {
-    TempDir dir;
-    ScopedSettingsStore store({});
-    ScopedEnv home("HOME", dir.path() + "/home");
-    ScopedEnv root("ZQTARVEX_DIR", dir.path() + "/root");
-    ScopedCurrentDirectory cwd(dir.path());
+    SandboxInstallation dir;
     dir.write_file("custom/zqtarvex.cfg", "WHO=custom-dir\n");
     dir.write_file("root/custom/config/zqtarvex.cfg", "WHO=root-custom\n");
 

@@ -43,11 +43,7 @@ protected:
         return result < 0 ? "<-1>" : "<size " + std::to_string(result) + ">";
     }
 
-    ScopedSettingsStore store_{{}};
-    TempDir sandbox_;
-    ScopedEnv home_{"HOME", sandbox_.path() + "/home"};
-    ScopedEnv root_{"ZQTARVEX_DIR", sandbox_.path() + "/root"};
-    ScopedCurrentDirectory cwd_{sandbox_.path()};
+    SandboxInstallation sandbox_;
 };
 
 // An error callback that records its calls and answers from the fields

@@ -69,6 +69,17 @@ private:
     ScopedEnv config_dirs_;
 };
 
+// A private installation for the configuration layer: an empty settings
+// store, and a temporary folder that is the current directory and holds the
+// home (home/) and the installation root (root/); no custom directory.
+class SandboxInstallation : public TempDir {
+    ScopedSettingsStore store_{{}};
+    ScopedEnv home_{"HOME", path() + "/home"};
+    ScopedEnv root_{"ZQTARVEX_DIR", path() + "/root"};
+    ScopedEnv custom_{"KPS_CUSTOM_DIR", std::nullopt};
+    ScopedCurrentDirectory cwd_{path()};
+};
+
 } // namespace tql_test
 
 #endif

@@ -111,12 +111,7 @@ TEST(TqlTool, FileCommands)
 
 TEST(TqlTool, EnvironmentCommands)
 {
-    tql_test::TempDir dir;
-    tql_test::ScopedSettingsStore store({});
-    tql_test::ScopedEnv home("HOME", dir.path() + "/home");
-    tql_test::ScopedEnv root("ZQTARVEX_DIR", dir.path() + "/root");
-    tql_test::ScopedEnv custom("KPS_CUSTOM_DIR", std::nullopt);
-    tql_test::ScopedCurrentDirectory cwd(dir.path());
+    tql_test::SandboxInstallation dir;
     dir.write_file("root/config/zqtarvex.cfg", "EDITOR=vi\nDIR=%EDITOR.d\nBIN=C:\\t\\bin\nTOOL=%BIN\\tql\n");
     dir.write_file("zqtarvex.cfg", "EDITOR=nano\n");
     const std::string site = dir.path() + "/root/config/zqtarvex.cfg";
@@ -263,13 +258,8 @@ namespace {
 // path and the system's reason, and file states in tql env files.
 TEST(TqlTool, EnvironmentCheckAndFailureMessages)
 {
-    tql_test::TempDir dir;
-    tql_test::ScopedSettingsStore store({});
-    tql_test::ScopedEnv home("HOME", dir.path() + "/home");
-    tql_test::ScopedEnv root("ZQTARVEX_DIR", dir.path() + "/root");
-    tql_test::ScopedEnv custom("KPS_CUSTOM_DIR", std::nullopt);
+    tql_test::SandboxInstallation dir;
     tql_test::ScopedEnv unset("TQL_TOOL_UNSET", std::nullopt);
-    tql_test::ScopedCurrentDirectory cwd(dir.path());
     dir.write_file("zqtarvex.cfg", "+zqtarvex\nA=%A\nC=%D\nD=%C/x\nU=%NOPE $TQL_TOOL_UNSET %A%\n");
     dir.write_file("home/zqtarvex/config/zqtarvex.cfg/x", "");
 
