@@ -44,12 +44,8 @@ protected:
         return buffer;
     }
 
-    ScopedSettingsStore store_{{}};
-    TempDir sandbox_;
-    ScopedEnv home_{"HOME", sandbox_.path() + "/home"};
-    ScopedEnv root_{"ZQTARVEX_DIR", sandbox_.path() + "/root"};
+    SandboxInstallation sandbox_;
     ScopedEnv language_{"ZQTARVEX_LANGUAGE", std::nullopt};
-    ScopedCurrentDirectory cwd_{sandbox_.path()};
 };
 
 } // namespace
