@@ -71,11 +71,19 @@ private:
 
 // A private installation for the configuration layer: an empty settings
 // store, and a temporary folder that is the current directory and holds the
-// home (home/) and the installation root (root/); no custom directory.
+// home and the installation root (given below the folder, "" for the
+// folder itself); no custom directory.
 class SandboxInstallation : public TempDir {
+public:
+    explicit SandboxInstallation(const std::string& home = "/home", const std::string& root = "/root")
+        : home_("HOME", path() + home), root_("ZQTARVEX_DIR", path() + root)
+    {
+    }
+
+private:
     ScopedSettingsStore store_{{}};
-    ScopedEnv home_{"HOME", path() + "/home"};
-    ScopedEnv root_{"ZQTARVEX_DIR", path() + "/root"};
+    ScopedEnv home_;
+    ScopedEnv root_;
     ScopedEnv custom_{"KPS_CUSTOM_DIR", std::nullopt};
     ScopedCurrentDirectory cwd_{path()};
 };

@@ -161,11 +161,7 @@ TEST(TqlTool, NameParseAndNumberCommands)
 // gfile_encrypted.
 TEST(TqlTool, CryptCommands)
 {
-    tql_test::TempDir dir;
-    tql_test::ScopedEnv site("ZQTARVEX_DIR", dir.path() + "/site");
-    tql_test::ScopedEnv home("HOME", dir.path());
-    tql_test::ScopedSettingsStore store({});
-    tql_test::ScopedCurrentDirectory cwd(dir.path());
+    tql_test::SandboxInstallation dir("", "/site");
 
     const ToolRun line = tql("crypt encrypt 'hello world'");
     ASSERT_EQ(line.status, 0);
@@ -296,13 +292,8 @@ TEST(TqlTool, EnvironmentCheckAndFailureMessages)
 // binary: status 0, 2 and 1, and the messages that go with them.
 TEST(TqlTool, EveryCommandHasHelpUsageErrorAndFailure)
 {
-    tql_test::TempDir dir;
-    tql_test::ScopedSettingsStore store({});
-    tql_test::ScopedEnv home("HOME", dir.path());
-    tql_test::ScopedEnv root("ZQTARVEX_DIR", dir.path() + "/site");
-    tql_test::ScopedEnv custom("KPS_CUSTOM_DIR", std::nullopt);
+    tql_test::SandboxInstallation dir("", "/site");
     tql_test::ScopedEnv unset("TQL_TOOL_UNSET", std::nullopt);
-    tql_test::ScopedCurrentDirectory cwd(dir.path());
     const std::string none = dir.path() + "/none";
     const std::string db = dir.path() + "/t.db";
     ASSERT_EQ(tql("hash put " + db + " k v").status, 0);
