@@ -8,12 +8,40 @@
 #include <ctime>
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
+
+#ifdef TQL70_TEST_COVERAGE
+// The coverage build's counters are written at exit; a child that leaves
+// through _exit or dies of abort() would lose what its body ran.
+extern "C" void __gcov_dump(void);
+#endif
 
 namespace tql_test {
 
 namespace {
+
+#ifdef TQL70_TEST_COVERAGE
+rlimit file_size_limit_at_fork;
+
+// A body may have lowered the file-size limit (tests of failed saves do):
+// counters cut short would spoil every later run, so they are written only
+// under the limit the child started with.
+void dump_coverage()
+{
+    if (setrlimit(RLIMIT_FSIZE, &file_size_limit_at_fork) == 0) {
+        __gcov_dump();
+    }
+}
+
+void dump_coverage_and_abort(int signal_number)
+{
+    dump_coverage();
+    std::signal(signal_number, SIG_DFL);
+    std::raise(signal_number);
+}
+#endif
 
 void drain(int fd, std::string& into, bool& open)
 {
@@ -50,9 +78,16 @@ ChildResult run_in_child(const std::function<void()>& body, int timeout_seconds)
         close(err_pipe[0]);
         close(out_pipe[1]);
         close(err_pipe[1]);
+#ifdef TQL70_TEST_COVERAGE
+        getrlimit(RLIMIT_FSIZE, &file_size_limit_at_fork);
+        std::signal(SIGABRT, dump_coverage_and_abort);
+#endif
         body();
         std::fflush(stdout);
         std::fflush(stderr);
+#ifdef TQL70_TEST_COVERAGE
+        dump_coverage();
+#endif
         _exit(0);
     }
     close(out_pipe[1]);
