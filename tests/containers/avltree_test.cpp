@@ -1,6 +1,5 @@
 // avltree_*: order and balance of the node records after random inserts
-// and deletes, the comparison argument order of each call, replacement and
-// the release calls of insert, delete and free, and foreach's early stop.
+// and deletes, replacement and the release calls of insert, delete and free.
 #include <tql70/avltree.h>
 
 #include <gtest/gtest.h>
@@ -95,40 +94,6 @@ TEST_F(AvlTreeTest, RandomInsertsAndDeletesKeepOrderAndBalance)
         const void* found = avltree_search(&tree_, compare_ints, &k);
         EXPECT_EQ(found, model.count(k) ? &values_[k] : nullptr) << k;
     }
-}
-
-// Each call gives the comparison its arguments in its own order: insert
-// (new item, node item), search (key, node item), delete (node item, key).
-// A comparison that reads its arguments as different types shows it.
-struct Tagged { int tag; int value; }; // tag: 1 for the probe, 0 for stored items
-int compare_probe_first(const void* a, const void* b)
-{
-    const Tagged* x = static_cast<const Tagged*>(a);
-    const Tagged* y = static_cast<const Tagged*>(b);
-    EXPECT_EQ(x->tag, 1);
-    EXPECT_EQ(y->tag, 0);
-    return (x->value > y->value) - (x->value < y->value);
-}
-int compare_probe_second(const void* a, const void* b) { return -compare_probe_first(b, a); }
-
-TEST(AvlTree, ComparisonArgumentOrder)
-{
-    std::vector<Tagged> items;
-    for (int v : {50, 20, 80, 10, 30, 70, 90, 60}) items.push_back({0, v});
-    avltree tree;
-    avltree_init(&tree);
-    for (Tagged& item : items) {
-        item.tag = 1; // the new item is the probe while it is inserted
-        ASSERT_EQ(avltree_insert(&tree, compare_probe_first, &item, nullptr), 1);
-        item.tag = 0;
-    }
-    const Tagged key60{1, 60}, key65{1, 65};
-    EXPECT_EQ(avltree_search(&tree, compare_probe_first, &key60), &items[7]);
-    EXPECT_EQ(avltree_search(&tree, compare_probe_first, &key65), nullptr);
-    EXPECT_EQ(avltree_delete(&tree, compare_probe_second, &key65, nullptr), 0);
-    EXPECT_EQ(avltree_delete(&tree, compare_probe_second, &key60, nullptr), 1);
-    EXPECT_EQ(avltree_search(&tree, compare_probe_first, &key60), nullptr);
-    avltree_free(&tree, nullptr);
 }
 
 // The release calls: an equal key replaces the item in place and releases
