@@ -52,7 +52,7 @@ int compare_keys(const void* a, const void* b)
     return static_cast<const Item*>(a)->key - static_cast<const Item*>(b)->key;
 }
 
-TEST(LinkedList, CursorMoves)
+TEST(LinkedList, CursorMovesDeleteAndNodeRecycling)
 {
     list_t list = make_list({1, 2, 3});
     EXPECT_EQ(list_index(&list, 10), 1u);
@@ -71,6 +71,29 @@ TEST(LinkedList, CursorMoves)
     other.cursor = list.head->next->next;
     EXPECT_EQ(list_find_item(&list, &other), 1u);
     EXPECT_EQ(list.cursor, other.cursor);
+
+    // Deleting from the second node on takes the rest, however many are asked for.
+    list_t recycled{nullptr, nullptr};
+    list_index(&list, 1);
+    ASSERT_EQ(list_delete(&list, 5, &recycled), 1u);
+    EXPECT_EQ(keys_of(list), std::vector<int>{1});
+    EXPECT_EQ(list.cursor, nullptr);
+    EXPECT_EQ(keys_of(recycled), (std::vector<int>{2, 3}));
+
+    list_node* const first_recycled = recycled.head;
+    list_t out{nullptr, nullptr};
+    ASSERT_EQ(list_alloc(3, 16, &out, &recycled), 1u);
+    EXPECT_EQ(recycled.head, nullptr);
+    ASSERT_EQ(list_len(&out), 3u);
+    EXPECT_EQ(out.head->next, first_recycled); // the new node comes first
+    EXPECT_EQ(out.cursor, out.head);
+    EXPECT_EQ(static_cast<char*>(list_link_item(out.head)), reinterpret_cast<char*>(out.head) + sizeof(void*));
+
+    list_t fresh{nullptr, nullptr};
+    ASSERT_EQ(list_alloc(3, 5, &fresh, &recycled), 1u); // strides stay word-aligned
+    EXPECT_EQ(reinterpret_cast<char*>(fresh.head->next) - reinterpret_cast<char*>(fresh.head), 16);
+    list_free(&out, &g_free);
+    list_free(&fresh, &g_free);
     list_free(&list, &g_free);
     EXPECT_EQ(list.head, nullptr);
 }
@@ -116,34 +139,6 @@ TEST(LinkedList, RunsMoveBetweenDescriptors)
     ASSERT_EQ(list_rev(&empty), 1u);
     EXPECT_EQ(keys_of(empty), (std::vector<int>{3, 2, 1, 9, 8}));
     list_free(&empty, &g_free);
-}
-
-TEST(LinkedList, DeleteAndAllocRecycleNodes)
-{
-    list_t recycled{nullptr, nullptr};
-    list_t list = make_list({1, 2, 3});
-    list_index(&list, 1);
-    ASSERT_EQ(list_delete(&list, 5, &recycled), 1u);
-    EXPECT_EQ(keys_of(list), std::vector<int>{1});
-    EXPECT_EQ(list.cursor, nullptr);
-    EXPECT_EQ(keys_of(recycled), (std::vector<int>{2, 3}));
-
-    list_node* const first_recycled = recycled.head;
-    list_t out{nullptr, nullptr};
-    ASSERT_EQ(list_alloc(3, 16, &out, &recycled), 1u);
-    EXPECT_EQ(recycled.head, nullptr);
-    ASSERT_EQ(list_len(&out), 3u);
-    EXPECT_NE(out.head, first_recycled); // the new node comes first
-    EXPECT_EQ(out.head->next, first_recycled);
-    EXPECT_EQ(out.cursor, out.head);
-    EXPECT_EQ(static_cast<char*>(list_link_item(out.head)), reinterpret_cast<char*>(out.head) + sizeof(void*));
-
-    list_t fresh{nullptr, nullptr};
-    ASSERT_EQ(list_alloc(3, 5, &fresh, &recycled), 1u); // strides stay word-aligned
-    EXPECT_EQ(reinterpret_cast<char*>(fresh.head->next) - reinterpret_cast<char*>(fresh.head), 16);
-    list_free(&out, &g_free);
-    list_free(&fresh, &g_free);
-    list_free(&list, &g_free);
 }
 
 TEST(LinkedList, SortIsStableLikeStdStableSort)

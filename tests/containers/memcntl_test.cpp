@@ -95,34 +95,50 @@ TEST(MemCntl, TablesAndNullControls)
     EXPECT_EQ(dump_Mem(&plain), 1);
 }
 
-TEST(MemCntl, PoolLayoutSplitAndMerge)
+// One pool through its layout, shrinking in place, growing by a move (down
+// and up), every kind of merge, a chunk of its own and first fit across
+// chunks.
+TEST(MemCntl, PoolLayoutReallocSplitAndMerge)
 {
     MemCntl pool = fresh_pool();
-    void* one = alloc_Mem(&pool, 1, 1);
+    auto* r = static_cast<unsigned char*>(alloc_Mem(&pool, 25, 1)); // index 1, 4 units
     void* chunk = pool.state;
     ASSERT_NE(chunk, nullptr);
-    EXPECT_EQ(one, data_of(chunk, 1));
+    EXPECT_EQ(r, data_of(chunk, 1));
 #ifdef POOL_TEST_ASAN
-    EXPECT_TRUE(__asan_address_is_poisoned(static_cast<char*>(one) + 1)); // a write past it is reported
+    EXPECT_TRUE(__asan_address_is_poisoned(r + 25)); // a write past it is reported
 #endif
     EXPECT_EQ(chunk_end(chunk), 512);
-    void* b = alloc_Mem(&pool, 2, 8); // index 3, 2 units (placement: the random-use test)
-    void* c = alloc_Mem(&pool, 1, 8); // index 6
-    EXPECT_EQ(free_Mem(&pool, b), 1);
-    EXPECT_EQ(free_Mem(&pool, b), 0); // a second release is refused
-    EXPECT_EQ(free_Mem(&pool, one), 1);
-    EXPECT_EQ(free_Mem(&pool, c), 1);
+    void* s = alloc_Mem(&pool, 4, 8); // index 6
+    auto* t = static_cast<unsigned char*>(alloc_Mem(&pool, 2, 8)); // index 11, free space behind it
+    std::memset(t, 0x3C, 16);
+    // In front of a block in use the freed tail gets a header (at 3) that s
+    // links back to; in front of a free block that block's header moves down.
+    EXPECT_EQ(realloc_Mem(&pool, r, 1, 8), r);
+    EXPECT_EQ(realloc_Mem(&pool, t, 1, 8), t);
+    EXPECT_TRUE(header_at(chunk, 11).next == 13 && header_at(chunk, 13).state == kFree);
+    EXPECT_EQ(free_Mem(&pool, s), 1); // its neighbours still point back at it
+    EXPECT_EQ(free_Mem(&pool, s), 0); // a second release is refused
+
+    // t moves down into the lowest free block that fits (3 to 11, taken
+    // whole), r moves up to 11.
+    auto* grown = static_cast<unsigned char*>(realloc_Mem(&pool, t, 7, 8));
+    EXPECT_EQ(grown, data_of(chunk, 3));
+    EXPECT_EQ(std::count(grown, grown + 8, 0x3C), 8);
+    void* moved_up = realloc_Mem(&pool, r, 2, 8);
+    EXPECT_EQ(moved_up, data_of(chunk, 11));
+
+    // A free block (1 to 11) one header and one unit longer than the request
+    // is split.
+    EXPECT_EQ(free_Mem(&pool, grown), 1);
+    void* split = alloc_Mem(&pool, 7, 8);
+    EXPECT_EQ(header_at(chunk, 1).next, 9);
+    EXPECT_EQ(free_Mem(&pool, split), 1);
+    EXPECT_EQ(free_Mem(&pool, moved_up), 1);
     const Header merged = header_at(chunk, 1);
     EXPECT_TRUE(merged.next == 512 && merged.state == kFree);
     EXPECT_EQ(check_Mem(&pool), 1);
     EXPECT_EQ(dump_Mem(&pool), 1);
-
-    // A free block one header and one unit longer than the request is split.
-    void* d = alloc_Mem(&pool, 3, 8);
-    alloc_Mem(&pool, 1, 8);
-    EXPECT_EQ(free_Mem(&pool, d), 1);
-    EXPECT_EQ(alloc_Mem(&pool, 1, 8), d);
-    EXPECT_EQ(header_at(chunk, 1).next, 3);
 
     void* big = alloc_Mem(&pool, 5000, 1); // a chunk of its own
     EXPECT_NE(pool.state, chunk);
@@ -132,6 +148,9 @@ TEST(MemCntl, PoolLayoutSplitAndMerge)
     EXPECT_EQ(alloc_Mem(&pool, 65534, 8), nullptr);
     EXPECT_EQ(realloc_Mem(&pool, big, 0, 1), nullptr); // and the block is kept:
     EXPECT_EQ(free_Mem(&pool, big), 1);
+    for (int i = 0; i < 65; ++i) alloc_Mem(&pool, 4000, 1); // a chunk each but the first
+    EXPECT_EQ(alloc_Mem(&pool, 8, 1), data_of(pool.state, 502)); // the newest chunk that fits
+    EXPECT_EQ(check_Mem(&pool), 1);
 }
 
 TEST(MemCntl, BadPointersAndDamageAreRefused)
@@ -162,31 +181,6 @@ TEST(MemCntl, BadPointersAndDamageAreRefused)
     EXPECT_EQ(dump_Mem(&pool), 0);
     EXPECT_EQ(free_Mem(&pool, a), 0); // its neighbour is damaged
     EXPECT_EQ(header_at(chunk, 1).state, kInUse);
-}
-
-// Shrinking in place and growing by a move, then first fit across chunks.
-TEST(MemCntl, ReallocAndNewestChunkFirst)
-{
-    MemCntl pool = fresh_pool();
-    void* r = alloc_Mem(&pool, 4, 8); // index 1
-    void* s = alloc_Mem(&pool, 4, 8); // index 6
-    auto* t = static_cast<unsigned char*>(alloc_Mem(&pool, 2, 8)); // index 11, free space behind it
-    void* chunk = pool.state;
-    std::memset(t, 0x3C, 16);
-    // In front of a block in use the freed tail gets a header (at 3) that s
-    // links back to; in front of a free block that block's header moves down.
-    EXPECT_EQ(realloc_Mem(&pool, r, 1, 8), r);
-    EXPECT_EQ(realloc_Mem(&pool, t, 1, 8), t);
-    EXPECT_TRUE(header_at(chunk, 11).next == 13 && header_at(chunk, 13).state == kFree);
-    EXPECT_EQ(free_Mem(&pool, s), 1); // its neighbours still point back at it
-    auto* grown = static_cast<unsigned char*>(realloc_Mem(&pool, t, 7, 8));
-    EXPECT_EQ(grown, data_of(chunk, 3)); // the lowest free block that fits (3 to 11), below t
-    EXPECT_EQ(std::count(grown, grown + 8, 0x3C), 8);
-    EXPECT_EQ(realloc_Mem(&pool, r, 2, 8), data_of(chunk, 11)); // and one above r
-
-    for (int i = 0; i < 65; ++i) alloc_Mem(&pool, 4000, 1); // a chunk each
-    EXPECT_EQ(alloc_Mem(&pool, 8, 1), data_of(pool.state, 502)); // the newest chunk that fits
-    EXPECT_EQ(check_Mem(&pool), 1);
 }
 
 } // namespace
