@@ -10,8 +10,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <string>
-#include <sys/stat.h>
 #include <vector>
 
 using namespace tql_test;
@@ -31,10 +31,16 @@ void put_all(glist list, const std::vector<std::string>& texts)
     }
 }
 
+unsigned query(glist list, int code)
+{
+    unsigned value = 99;
+    glist_query(list, code, &value);
+    return value;
+}
+
 std::vector<std::string> contents(glist list)
 {
-    unsigned length = 0;
-    glist_query(list, GLIST_LENGTH, &length);
+    const unsigned length = query(list, GLIST_LENGTH);
     std::vector<std::string> texts;
     std::vector<char> buffer(20000);
     for (unsigned i = 0; i < length; ++i) {
@@ -42,13 +48,6 @@ std::vector<std::string> contents(glist list)
         texts.emplace_back(buffer.data());
     }
     return texts;
-}
-
-unsigned query(glist list, int code)
-{
-    unsigned value = 99;
-    glist_query(list, code, &value);
-    return value;
 }
 
 } // namespace
@@ -119,10 +118,7 @@ TEST(Glist, SortAndKeyedCalls)
         unsigned index = 99, copied = 0;
         const bool has_b = std::find(c.expected.begin(), c.expected.end(), "b") != c.expected.end();
         EXPECT_EQ(glist_getkeyrec(guard.list, &index, key, sizeof key, &copied), has_b ? 1 : 0);
-        if (has_b) {
-            EXPECT_EQ(c.expected[index], "b");
-            EXPECT_EQ(copied, 2u);
-        }
+        EXPECT_TRUE(!has_b || (c.expected[index] == "b" && copied == 2u)) << index;
         ASSERT_EQ(glist_putstr(guard.list, 0, "q"), 1);
         EXPECT_EQ(glist_query(guard.list, GLIST_IS_SORTED, nullptr), 0);
     }
@@ -175,12 +171,10 @@ TEST(Glist, StoreAndMessages)
     EXPECT_EQ(read_file(path), ""); // the store count is still 0
     const unsigned three = 3;
     ASSERT_EQ(glist_set(guard.list, GLIST_STORE_COUNT, &three), 1);
-    ::chmod(path.c_str(), 0640);
+    std::filesystem::permissions(path, std::filesystem::perms(0640));
     ASSERT_EQ(glist_store(guard.list, path.c_str(), message), 1);
     EXPECT_EQ(read_file(path), "a\tb\n\nc\n");
-    struct stat status;
-    ASSERT_EQ(::stat(path.c_str(), &status), 0);
-    EXPECT_EQ(status.st_mode & 0777, 0640u);
+    EXPECT_EQ(std::filesystem::status(path).permissions(), std::filesystem::perms(0640)); // kept by the rewrite
     // Loading turns TABs into blanks, keeps empty lines and sets the store
     // count; a line is cut at 1,023 characters.
     ASSERT_EQ(glist_load(guard.list, path.c_str(), message), 1);

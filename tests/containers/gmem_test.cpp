@@ -31,5 +31,4 @@ TEST(Gmem, ZeroAndOverflowingByteCountsGiveNullAndCallocZeroFills)
     ASSERT_NE(clean, nullptr);
     EXPECT_EQ(std::count(clean, clean + 16, 0), 16);
     gmem_ee_free(clean);
-    gmem_ee_free(nullptr);
 }

@@ -10,6 +10,7 @@
 #include <cstring>
 #include <random>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -43,20 +44,16 @@ int compare_int(const void* a, const void* b)
     return (x > y) - (x < y);
 }
 
-// One element layout: element size and the offset of the array in its buffer.
-struct Layout {
-    size_t size, offset;
-};
-
-// Sorts `keys` as elements of layout.size bytes, each holding its key in its
+// Sorts `keys` as elements of `size` bytes placed `offset` bytes into a
+// buffer, each holding its key in its
 // first four bytes and the key's low byte in the rest (so a partly swapped
 // element shows), and compares with std::sort (which also shows the result
 // is a permutation of the input). Nothing past the array may change.
-void expect_sorts_like_std(std::vector<int> keys, Layout layout)
+void expect_sorts_like_std(std::vector<int> keys, size_t size, size_t offset)
 {
-    const size_t n = keys.size(), size = layout.size;
-    std::vector<unsigned char> storage(n * size + layout.offset + 8);
-    unsigned char* const base = storage.data() + layout.offset;
+    const size_t n = keys.size();
+    std::vector<unsigned char> storage(n * size + offset + 8);
+    unsigned char* const base = storage.data() + offset;
     for (size_t i = 0; i < n; ++i) {
         std::memset(base + i * size, keys[i] & 0xFF, size);
         std::memcpy(base + i * size, &keys[i], sizeof(int));
@@ -66,9 +63,7 @@ void expect_sorts_like_std(std::vector<int> keys, Layout layout)
     EXPECT_EQ(probe.bad_addresses, 0u);
     std::sort(keys.begin(), keys.end());
     for (size_t i = 0; i < n; ++i) {
-        int key;
-        std::memcpy(&key, base + i * size, sizeof key);
-        ASSERT_EQ(key, keys[i]) << "element " << i;
+        ASSERT_EQ(std::memcmp(base + i * size, &keys[i], sizeof(int)), 0) << "element " << i;
         ASSERT_EQ(std::count(base + i * size + 4, base + (i + 1) * size, keys[i] & 0xFF), long(size - 4)) << i;
     }
     EXPECT_TRUE(std::all_of(storage.end() - 8, storage.end(), [](unsigned char c) { return c == 0; }));
@@ -92,11 +87,10 @@ TEST(TqlQsort, ThresholdSizesKeyShapesAndElementLayouts)
         }
         std::vector<int> reversed = distinct;
         std::sort(reversed.rbegin(), reversed.rend());
-        for (const Layout layout : {Layout{4, 0}, Layout{8, 0}, Layout{12, 0}, Layout{6, 0}, Layout{4, 1}}) {
-            SCOPED_TRACE("n=" + std::to_string(n) + ", size " + std::to_string(layout.size) + ", offset " +
-                         std::to_string(layout.offset));
+        for (const auto& [size, offset] : {std::pair<size_t, size_t>{4, 0}, {8, 0}, {12, 0}, {6, 0}, {4, 1}}) {
+            SCOPED_TRACE(testing::Message() << "n=" << n << ", size " << size << ", offset " << offset);
             for (const auto& keys : {distinct, few, reversed}) {
-                expect_sorts_like_std(keys, layout);
+                expect_sorts_like_std(keys, size, offset);
             }
         }
     }
