@@ -64,7 +64,7 @@ TEST(GrowableArray, FirstFreeSequentialAndFixedSlots)
     EXPECT_EQ(capacity, 22);
     EXPECT_EQ(static_cast<int*>(array)[21], 0);
     // A size that cannot be allocated fails and leaves the array alone.
-    EXPECT_EQ(ZQ_alloc_fixed_array(&array, &capacity, 4, LLONG_MAX / 4), 0);
+    EXPECT_EQ(ZQ_alloc_fixed_array(&array, &capacity, 4, LLONG_MAX / 2), 0);
     EXPECT_EQ(capacity, 22);
     EXPECT_EQ(static_cast<int*>(array)[9], 7);
     gmem_ee_free(array);
