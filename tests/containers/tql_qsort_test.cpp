@@ -45,10 +45,10 @@ int compare_int(const void* a, const void* b)
 }
 
 // Sorts `keys` as elements of `size` bytes placed `offset` bytes into a
-// buffer, each holding its key in its
-// first four bytes and the key's low byte in the rest (so a partly swapped
-// element shows), and compares with std::sort (which also shows the result
-// is a permutation of the input). Nothing past the array may change.
+// buffer, each holding its key in its first four bytes and the key's low
+// byte in the rest (so a partly swapped element shows), and compares with
+// std::sort (which also shows the result is a permutation of the input).
+// Nothing past the array may change.
 void expect_sorts_like_std(std::vector<int> keys, size_t size, size_t offset)
 {
     const size_t n = keys.size();
@@ -63,8 +63,9 @@ void expect_sorts_like_std(std::vector<int> keys, size_t size, size_t offset)
     EXPECT_EQ(probe.bad_addresses, 0u);
     std::sort(keys.begin(), keys.end());
     for (size_t i = 0; i < n; ++i) {
-        ASSERT_EQ(std::memcmp(base + i * size, &keys[i], sizeof(int)), 0) << "element " << i;
-        ASSERT_EQ(std::count(base + i * size + 4, base + (i + 1) * size, keys[i] & 0xFF), long(size - 4)) << i;
+        const unsigned char* const element = base + i * size;
+        ASSERT_EQ(std::memcmp(element, &keys[i], sizeof(int)), 0) << "element " << i;
+        ASSERT_EQ(std::count(element + 4, element + size, keys[i] & 0xFF), static_cast<long>(size - 4)) << i;
     }
     EXPECT_TRUE(std::all_of(storage.end() - 8, storage.end(), [](unsigned char c) { return c == 0; }));
 }
