@@ -10,8 +10,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <string>
-#include <sys/stat.h>
 #include <vector>
 
 using namespace tql_test;
@@ -31,10 +31,16 @@ void put_all(glist list, const std::vector<std::string>& texts)
     }
 }
 
+unsigned query(glist list, int code)
+{
+    unsigned value = 99;
+    glist_query(list, code, &value);
+    return value;
+}
+
 std::vector<std::string> contents(glist list)
 {
-    unsigned length = 0;
-    glist_query(list, GLIST_LENGTH, &length);
+    const unsigned length = query(list, GLIST_LENGTH);
     std::vector<std::string> texts;
     std::vector<char> buffer(20000);
     for (unsigned i = 0; i < length; ++i) {
@@ -44,16 +50,9 @@ std::vector<std::string> contents(glist list)
     return texts;
 }
 
-unsigned query(glist list, int code)
-{
-    unsigned value = 99;
-    glist_query(list, code, &value);
-    return value;
-}
-
 } // namespace
 
-TEST(Glist, PositionalRecordsAndMoves)
+TEST(Glist, PositionalRecordsMovesAndMixedBlocks)
 {
     ListGuard guard;
     put_all(guard.list, {"a", "b", "c", "d"});
@@ -73,11 +72,8 @@ TEST(Glist, PositionalRecordsAndMoves)
     ASSERT_EQ(glist_putrec(guard.list, 0, "xyz", 3), 1);
     EXPECT_EQ(glist_getrec(guard.list, 0, record, sizeof record, &copied), 1);
     EXPECT_EQ(copied, 3u);
-}
 
-TEST(Glist, BlocksOfMixedSizesKeepEveryRecordAtItsPlace)
-{
-    ListGuard guard;
+    // Blocks of mixed sizes keep every record at its place.
     ASSERT_EQ(glist_setlength(guard.list, 62), 1); // one block of 61 records and one more
     // Blocks of another size (100 bytes: 22 records) mixed with the first.
     const unsigned small = 100;
@@ -122,10 +118,7 @@ TEST(Glist, SortAndKeyedCalls)
         unsigned index = 99, copied = 0;
         const bool has_b = std::find(c.expected.begin(), c.expected.end(), "b") != c.expected.end();
         EXPECT_EQ(glist_getkeyrec(guard.list, &index, key, sizeof key, &copied), has_b ? 1 : 0);
-        if (has_b) {
-            EXPECT_EQ(c.expected[index], "b");
-            EXPECT_EQ(copied, 2u);
-        }
+        EXPECT_TRUE(!has_b || (c.expected[index] == "b" && copied == 2u)) << index;
         ASSERT_EQ(glist_putstr(guard.list, 0, "q"), 1);
         EXPECT_EQ(glist_query(guard.list, GLIST_IS_SORTED, nullptr), 0);
     }
@@ -178,12 +171,10 @@ TEST(Glist, StoreAndMessages)
     EXPECT_EQ(read_file(path), ""); // the store count is still 0
     const unsigned three = 3;
     ASSERT_EQ(glist_set(guard.list, GLIST_STORE_COUNT, &three), 1);
-    ::chmod(path.c_str(), 0640);
+    std::filesystem::permissions(path, std::filesystem::perms(0640));
     ASSERT_EQ(glist_store(guard.list, path.c_str(), message), 1);
     EXPECT_EQ(read_file(path), "a\tb\n\nc\n");
-    struct stat status;
-    ASSERT_EQ(::stat(path.c_str(), &status), 0);
-    EXPECT_EQ(status.st_mode & 0777, 0640u);
+    EXPECT_EQ(std::filesystem::status(path).permissions(), std::filesystem::perms(0640)); // kept by the rewrite
     // Loading turns TABs into blanks, keeps empty lines and sets the store
     // count; a line is cut at 1,023 characters.
     ASSERT_EQ(glist_load(guard.list, path.c_str(), message), 1);
@@ -195,20 +186,19 @@ TEST(Glist, StoreAndMessages)
     EXPECT_EQ(query(other.list, GLIST_STORE_COUNT), 2u);
 
     struct Case {
-        const char* name;
         glist list;
         std::string path;
         int (*call)(glist, const char*, char*);
         std::string expected;
     } cases[] = {
-        {"load, null list", nullptr, "f", glist_load, "<GLIST_LOAD> (0) not open: f"},
-        {"store, null list", nullptr, "f", glist_store, "<GLIST_STORE> (0) not open: f"},
-        {"missing file", guard.list, dir.path() + "/none", glist_load, "Not found: " + dir.path() + "/none"},
-        {"missing directory", guard.list, dir.path() + "/no/x", glist_store, "Cannot create: " + dir.path() + "/no/x"},
-        {"target is a directory", guard.list, dir.path(), glist_store, "Write error: " + dir.path()},
+        {nullptr, "f", glist_load, "<GLIST_LOAD> (0) not open: f"},
+        {nullptr, "f", glist_store, "<GLIST_STORE> (0) not open: f"},
+        {guard.list, dir.path() + "/none", glist_load, "Not found: " + dir.path() + "/none"},
+        {guard.list, dir.path() + "/no/x", glist_store, "Cannot create: " + dir.path() + "/no/x"},
+        {guard.list, dir.path(), glist_store, "Write error: " + dir.path()},
     };
     for (const Case& c : cases) {
-        SCOPED_TRACE(c.name);
+        SCOPED_TRACE(c.expected);
         char text[512] = "";
         EXPECT_EQ(c.call(c.list, c.path.c_str(), text), 0);
         EXPECT_EQ(std::string(text), c.expected);
