@@ -1,4 +1,4 @@
-// The variable store: names, level order, states, slots, the error
+// The variable store: names, values, buffer sizes, the error
 // callback, and the per-level index checked against a plain scan.
 #include "env/env_test_support.h"
 
@@ -14,54 +14,41 @@ namespace {
 
 using EnvStore = EnvTest;
 
-GuiEnvEntry* entry_of(GuiEnv env, const char* name, int level, bool include_deleted)
-{
-    char normalized[GUI_ENV_NAME_MAX + 1];
-    tql::env::normalize_name(name, normalized);
-    return tql::env::find_entry(env, normalized, level, include_deleted);
-}
-
-TEST_F(EnvStore, NamesAreCutAndUpperCasedForAsciiOnly)
+TEST_F(EnvStore, NamesValuesUserPointersAndBufferSizes)
 {
     GuiEnv env = open_env();
+    // Names are cut at 63 bytes and upper-cased for the ASCII letters only.
     const std::string long_name(70, 'n');
     ASSERT_EQ(gui_env_put(env, long_name.c_str(), "long", GUI_ENV_LOCAL), 1);
     EXPECT_EQ(get(env, (std::string(63, 'N') + "other").c_str()), "long");
     gui_env_put(env, "zeta", "z", GUI_ENV_LOCAL); // both ends of the ASCII letters
     EXPECT_EQ(get(env, "ZETA") + get(env, "Zeta"), "zz");
-    // Bytes of 128 and above keep their case: \xe9 and \xc9 differ.
     gui_env_put(env, "caf\xe9", "lower", GUI_ENV_LOCAL);
-    EXPECT_EQ(get(env, "CAF\xe9"), "lower");
-    EXPECT_EQ(get(env, "CAF\xc9"), "<-1>");
+    EXPECT_EQ(get(env, "CAF\xe9") + get(env, "CAF\xc9"), "lower<-1>"); // \xe9 and \xc9 differ
     EXPECT_EQ(gui_env_get(nullptr, "HOME", nullptr, nullptr, 10, 0), -1);
     EXPECT_EQ(gui_env_put(env, "", "x", 0), 0);
-}
 
-TEST_F(EnvStore, NullValuesStatesUserPointersAndBufferSizes)
-{
-    GuiEnv env = open_env();
+    // A null value is refused for a new variable; an existing one keeps no
+    // value and reads as empty.
     EXPECT_EQ(gui_env_put(env, "MISSING", nullptr, GUI_ENV_LOCAL), 0);
-    gui_env_put_modnew(env, "KEEP", "v", GUI_ENV_LOCAL, ENV_CLEAN);
+    EXPECT_EQ(gui_env_put_modnew(env, "KEEP", "v", GUI_ENV_LOCAL, ENV_CLEAN), 1);
+    EXPECT_EQ(tql::env::find_entry(env, "KEEP", GUI_ENV_LOCAL, false)->state, ENV_CLEAN);
     EXPECT_EQ(gui_env_put(env, "KEEP", nullptr, GUI_ENV_LOCAL), 1);
-    GuiEnvEntry* keep = entry_of(env, "KEEP", GUI_ENV_LOCAL, false);
-    ASSERT_NE(keep, nullptr);
-    EXPECT_EQ(keep->value, nullptr);
-    EXPECT_EQ(keep->state, ENV_MODIFIED);
+    EXPECT_EQ(get(env, "KEEP"), "");
 
-    // Level 6 stores the pointer itself; a new entry gets no value.
-    int marker = 0;
-    void* user = nullptr;
-    char buffer[16];
-    ASSERT_EQ(gui_env_put(env, "PTR", reinterpret_cast<const char*>(&marker), GUI_ENV_USERDATA), 1);
-    EXPECT_EQ(gui_env_get(env, "PTR", buffer, &user, sizeof buffer, GUI_ENV_LOCAL), 0);
-    EXPECT_EQ(user, &marker);
-    EXPECT_STREQ(buffer, "");
     // A buffer one byte short is left untouched and the size needed given.
     gui_env_put(env, "SEVEN", "changed", GUI_ENV_SITE);
     char small[8] = "ZZZZZZZ";
     EXPECT_EQ(gui_env_get(env, "SEVEN", small, nullptr, 7, GUI_ENV_ANY), 8);
     EXPECT_STREQ(small, "ZZZZZZZ");
     EXPECT_EQ(gui_env_get(env, "SEVEN", small, nullptr, 8, GUI_ENV_ANY), 0);
+    // Level 6 stores the pointer itself; a new entry gets no value.
+    int marker = 0;
+    void* user = nullptr;
+    ASSERT_EQ(gui_env_put(env, "PTR", reinterpret_cast<const char*>(&marker), GUI_ENV_USERDATA), 1);
+    EXPECT_EQ(gui_env_get(env, "PTR", small, &user, sizeof small, GUI_ENV_LOCAL), 0);
+    EXPECT_EQ(user, &marker);
+    EXPECT_STREQ(small, "");
     // Existence does not depend on the 100-byte scratch buffer.
     gui_env_put(env, "LONG", std::string(300, 'x').c_str(), GUI_ENV_LOCAL);
     EXPECT_TRUE(gui_env_exists(env, "LONG", GUI_ENV_ANY));
@@ -80,8 +67,6 @@ TEST_F(EnvStore, ErrorCallbackSuppliesMissingValues)
 
     // A replacement from the callback is the value; the user pointer
     // reported is null.
-    log.result = 1;
-    log.set_replacement = true;
     log.replacement = "from callback";
     void* user = &log;
     char buffer[32];
@@ -95,7 +80,7 @@ TEST_F(EnvStore, ErrorCallbackSuppliesMissingValues)
     EXPECT_EQ(gui_env_apply_env_error(GUI_ENV_ERR_WRITE, env, "f", &out), 1);
     EXPECT_EQ(log.calls.back().config, "local");
 
-    EXPECT_EQ(gui_env_set_error(nullptr), &recording_callback);
+    EXPECT_EQ(gui_env_set_error(nullptr), &CallbackLog::record);
     out = &buffer[0];
     EXPECT_EQ(gui_env_apply_error(GUI_ENV_ERR_NO_FILE, "cfg", "g", &out), 0);
     EXPECT_EQ(out, &buffer[0]); // untouched without a callback
@@ -107,44 +92,34 @@ TEST_F(EnvStore, ErrorCallbackSuppliesMissingValues)
 TEST_F(EnvStore, IndexMatchesAPlainModel)
 {
     GuiEnv env = open_env();
-    struct ModelEntry { std::optional<std::string> value; bool deleted = false; };
-    std::map<std::string, ModelEntry> model[5]; // by level number 1..4
-    auto model_find = [&](const std::string& name, int level, bool include_deleted) -> ModelEntry* {
-        const int first = (level >= 1 && level <= 4) ? level : 1;
-        const int last = (level >= 1 && level <= 4) ? level : 4;
-        for (int l = first; l <= last; ++l) {
+    // By level number 1..4: each name's value, or nullopt once removed (a
+    // removed entry is revived in its level by the next put).
+    std::map<std::string, std::optional<std::string>> model[5];
+    auto model_find = [&](const std::string& name, int level, bool include_removed) {
+        const bool one_level = level >= 1 && level <= 4;
+        for (int l = one_level ? level : 1; l <= (one_level ? level : 4); ++l) {
             auto it = model[l].find(name);
-            if (it != model[l].end() && (include_deleted || !it->second.deleted)) return &it->second;
+            if (it != model[l].end() && (include_removed || it->second)) return &it->second;
         }
-        return nullptr;
+        return static_cast<std::optional<std::string>*>(nullptr);
     };
     std::mt19937 random(7);
     for (int step = 0; step < 20000; ++step) {
         const std::string name = "V" + std::to_string(random() % 200);
         const int level = static_cast<int>(random() % 6);
-        switch (random() % 3) {
-        case 0: {
-            const std::string value = std::to_string(step);
-            ModelEntry* found = model_find(name, level, true);
-            if (!found) {
-                const int target = (level >= 2 && level <= 4) ? level : 1;
-                found = &model[target][name];
-            }
-            found->deleted = false;
-            found->value = value;
-            ASSERT_EQ(gui_env_put(env, name.c_str(), value.c_str(), level), 1);
-            break;
-        }
-        case 1: {
-            ModelEntry* found = model_find(name, level, false);
+        const unsigned action = random() % 3;
+        if (action == 0) {
+            std::optional<std::string>* found = model_find(name, level, true);
+            if (!found) found = &model[level >= 2 && level <= 4 ? level : 1][name];
+            *found = std::to_string(step);
+            ASSERT_EQ(gui_env_put(env, name.c_str(), (*found)->c_str(), level), 1);
+        } else if (action == 1) {
+            std::optional<std::string>* found = model_find(name, level, false);
             ASSERT_EQ(gui_env_rm(env, name.c_str(), level), found ? 1 : 0);
-            if (found) found->deleted = true;
-            break;
-        }
-        default: {
-            const ModelEntry* found = model_find(name, level, false);
-            ASSERT_EQ(get(env, name.c_str(), level), found ? *found->value : "<-1>") << name << " " << level;
-        }
+            if (found) found->reset();
+        } else {
+            const std::optional<std::string>* found = model_find(name, level, false);
+            ASSERT_EQ(get(env, name.c_str(), level), found ? **found : "<-1>") << name << " " << level;
         }
     }
 }
