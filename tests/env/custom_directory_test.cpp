@@ -13,7 +13,6 @@ TEST(CustomDirectory, ReadOnceOnFirstInit)
 {
     SandboxInstallation dir;
     dir.write_file("custom/zqtarvex.cfg", "WHO=custom-dir\n");
-    dir.write_file("root/custom/config/zqtarvex.cfg", "WHO=root-custom\n");
     ScopedEnv custom("KPS_CUSTOM_DIR", dir.path() + "/custom");
     ASSERT_EQ(gui_env_init(), 1);
     gui_env_deinit(0);

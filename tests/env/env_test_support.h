@@ -19,11 +19,6 @@ namespace tql_test {
 
 class EnvTest : public ::testing::Test {
 protected:
-    void SetUp() override
-    {
-        gui_env_deinit(0);
-        gui_env_set_error(nullptr);
-    }
     void TearDown() override
     {
         gui_env_set_error(nullptr);
@@ -35,11 +30,13 @@ protected:
     GuiEnv open_env() { return gui_env_open("test", kNoFiles); }
     static constexpr int kNoFiles = 99;
 
-    // The value of `name` at `level`, or "<-1>" / "<size N>".
+    // The value of `name` at `level` of `env` (null: of the default
+    // environment), or "<-1>" / "<size N>".
     static std::string get(GuiEnv env, const char* name, int level = GUI_ENV_ANY)
     {
-        char buffer[4096];
-        const int result = gui_env_get(env, name, buffer, nullptr, sizeof buffer, level);
+        char buffer[8192];
+        const int result = env ? gui_env_get(env, name, buffer, nullptr, sizeof buffer, level)
+                               : gui_env_get_ee(name, buffer, nullptr, sizeof buffer, level);
         if (result == 0) return buffer;
         return result < 0 ? "<-1>" : "<size " + std::to_string(result) + ">";
     }

@@ -31,13 +31,13 @@ std::string expand(GuiEnv env, const char* source, int size = 8192)
 TEST_F(Expand, ReferenceForms)
 {
     GuiEnv env = open_env();
-    for (const auto& [name, value] :
-         {std::pair<const char*, const char*>{"A", "%B"}, {"B", "x"}, {"NAME", "val"}, {"EMPTY", ""}, {"SELF", "%SELF"},
-          {"C", "%D"}, {"D", "%C"}, {"F", "x{%G}y"}, {"G", "<%F>"}, {"H", "%Z%Z"}, {"Z", "z"}, {"S", "$TQL_SELF"}}) {
-        gui_env_put(env, name, value, GUI_ENV_LOCAL);
-    }
     const std::string long_name(70, 'L');
-    gui_env_put(env, long_name.c_str(), "long", GUI_ENV_LOCAL);
+    for (const auto& [name, value] :
+         {std::pair<std::string, const char*>{"A", "%B"}, {"B", "x"}, {"NAME", "val"}, {"EMPTY", ""}, {"SELF", "%SELF"},
+          {"C", "%D"}, {"D", "%C"}, {"F", "x{%G}y"}, {"G", "<%F>"}, {"H", "%Z%Z"}, {"Z", "z"}, {"S", "$TQL_SELF"},
+          {long_name, "long"}}) {
+        gui_env_put(env, name.c_str(), value, GUI_ENV_LOCAL);
+    }
     ScopedEnv home("TQL_HOME", std::string("/home/u"));
     ScopedEnv self("TQL_SELF", std::string("[$TQL_SELF]"));
     ScopedEnv undefined("UNDEFINED", std::nullopt);
@@ -98,11 +98,9 @@ TEST_F(Expand, FailuresAndSizes)
 
     // The system-only form leaves %NAME references alone.
     ScopedEnv var("TQL_SYS", std::string("s"));
-    char system_only[16];
-    ASSERT_EQ(gui_env_expand_str_system_only(system_only, "%V{%V}$TQL_SYS", sizeof system_only, env,
-                                             static_cast<GuiEnv>(nullptr)),
-              0);
-    EXPECT_STREQ(system_only, "%V{%V}s");
+    char out[16];
+    ASSERT_EQ(gui_env_expand_str_system_only(out, "%V{%V}$TQL_SYS", sizeof out, env, static_cast<GuiEnv>(nullptr)), 0);
+    EXPECT_STREQ(out, "%V{%V}s");
 }
 
 TEST_F(Expand, LookupOrderAndCallback)
@@ -152,9 +150,8 @@ TEST_F(Expand, BufferThatCannotGrowEndsTheProcess)
         std::ifstream statm("/proc/self/statm");
         size_t pages = 0;
         statm >> pages;
-        rlimit limit{};
-        getrlimit(RLIMIT_AS, &limit);
-        limit.rlim_cur = pages * static_cast<size_t>(sysconf(_SC_PAGESIZE)) + (16u << 20);
+        const rlim_t room = pages * static_cast<size_t>(sysconf(_SC_PAGESIZE)) + (16u << 20);
+        const rlimit limit{room, room};
         setrlimit(RLIMIT_AS, &limit);
         char out[16];
         gui_env_expand_str(out, "%BIG", sizeof out, env, static_cast<GuiEnv>(nullptr));

@@ -45,7 +45,6 @@ TEST(TqlGetenv, EnvironmentThenUserStoreThenSystemStoreInBothForms)
     QString value;
     EXPECT_TRUE(getenv_and_registry_qt("TQLT_SYSTEM", value));
     EXPECT_EQ(value, QStringLiteral("system-only"));
-    EXPECT_FALSE(getenv_and_registry_qt("TQLT_UNDEFINED", value));
     EXPECT_FALSE(getenv_and_registry_qt(nullptr, value));
     EXPECT_TRUE(getenv_and_registry_qt_2(QStringLiteral("TQLT_BOTH"), value));
     EXPECT_EQ(value, QString::fromUtf8("user \xc3\xa4"));
