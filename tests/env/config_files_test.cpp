@@ -10,10 +10,9 @@
 
 #include <tql70/gmem.h>
 
+#include <algorithm>
 #include <csignal>
 #include <filesystem>
-#include <fstream>
-#include <sstream>
 #include <sys/resource.h>
 #include <unistd.h>
 
@@ -24,56 +23,40 @@ namespace fs = std::filesystem;
 
 class ConfigFiles : public EnvTest {
 protected:
-    std::string root() const { return sandbox_.path() + "/root"; }
-    std::string home() const { return sandbox_.path() + "/home"; }
     std::string write(const std::string& relative, const std::string& text)
     {
         return sandbox_.write_file(relative, text);
     }
-    std::string ee(const char* name, int level = GUI_ENV_ANY)
-    {
-        char buffer[8192];
-        const int r = gui_env_get_ee(name, buffer, nullptr, sizeof buffer, level);
-        return r == 0 ? std::string(buffer) : "<" + std::to_string(r) + ">";
-    }
+    std::string ee(const char* name, int level = GUI_ENV_ANY) { return get(nullptr, name, level); }
 };
 
-TEST_F(ConfigFiles, LevelsLineFormatAndPrecedence)
+TEST_F(ConfigFiles, LevelsLineFormatPrecedenceIncludesAndAddons)
 {
-    write("root/config/zqtarvex.cfg",
-          "# site\nSHARED=site\nONLY_SITE=s\n  A = 1\nB  =  2  \n// C=3\nno equals here\nx\n");
-    write("root/custom/config/zqtarvex.cfg", "SHARED=custom\n");
+    write("root/config/zqtarvex.cfg", "# site\nSHARED=site\n  A = 1\nB  =  2  \n// C=3\nno equals here\nx\n+\\" +
+                                          sandbox_.path().substr(1) + "/root/config/base.cfg\n");
     write("home/zqtarvex/config/zqtarvex.cfg", "SHARED=home\n");
-    write("zqtarvex.cfg", "shared=local\nLONG=" + std::string(5000, 'l')); // no final line feed
-    EXPECT_EQ(ee("SHARED"), "local");
-    EXPECT_EQ(ee("SHARED", GUI_ENV_SITE), "site");
-    EXPECT_EQ(ee("SHARED", GUI_ENV_HOME), "home");
-    EXPECT_EQ(ee("  A"), "1"); // leading blanks belong to the name
-    EXPECT_EQ(ee("B"), "2");
-    EXPECT_EQ(ee("LONG"), std::string(5000, 'l'));
-
-    // gui_env_open of one level reads only that file.
-    GuiEnv site_only = gui_env_open("zqtarvex", GUI_ENV_SITE);
-    EXPECT_EQ(get(site_only, "SHARED"), "site");
-}
-
-TEST_F(ConfigFiles, IncludesAndAddons)
-{
+    write("zqtarvex.cfg", "shared=local\n+common   # a comment\n+!ignored\n+missing\nLONG=" + std::string(5000, 'l'));
     write("common.cfg", "FROM_COMMON=yes\n");
-    write("zqtarvex.cfg", "+common   # a comment\n+!ignored\nOWN=1\n+missing\n");
-    write("root/config/zqtarvex.cfg", "+\\" + root().substr(1) + "/config/base.cfg\n");
     write("root/config/base.cfg", "BASE=b\n");
     write("root/config/addons_cfgs/zqtarvex/10-tool.cfg", "TOOL_DIR=%BASE\\tool\n");
     write("root/config/addons_cfgs/zqtarvex/.hidden.cfg", "HIDDEN=1\n");
 
     CallbackLog log;
+    EXPECT_EQ(ee("SHARED"), "local");
+    EXPECT_EQ(ee("SHARED", GUI_ENV_SITE), "site");
+    EXPECT_EQ(ee("SHARED", GUI_ENV_HOME), "home");
+    EXPECT_EQ(ee("  A"), "1"); // leading blanks belong to the name
+    EXPECT_EQ(ee("B"), "2");
+    EXPECT_EQ(ee("LONG"), std::string(5000, 'l')); // no final line feed
     EXPECT_EQ(ee("FROM_COMMON"), "yes");
-    EXPECT_EQ(ee("BASE"), "b");
     EXPECT_EQ(ee("TOOL_DIR"), "b\\tool"); // add-on values are expanded
     EXPECT_EQ(ee("HIDDEN"), "<-1>");
     ASSERT_FALSE(log.calls.empty());
     EXPECT_EQ(log.calls[0].code, GUI_ENV_ERR_NO_FILE);
     EXPECT_EQ(log.calls[0].name, "missing.cfg");
+
+    // gui_env_open of one level reads only that file.
+    EXPECT_EQ(get(gui_env_open("zqtarvex", GUI_ENV_SITE), "SHARED"), "site");
 }
 
 TEST_F(ConfigFiles, WriteBackKeepsCommentsAndIncludes)
@@ -85,13 +68,12 @@ TEST_F(ConfigFiles, WriteBackKeepsCommentsAndIncludes)
     EXPECT_EQ(gui_env_put_ee("INC", "changed", GUI_ENV_LOCAL), 1); // from an include: never written
     EXPECT_EQ(gui_env_deinit(1), 1);
     EXPECT_EQ(read_file(local), "# comment\n+common\nKEEP=v\n//C=d\n\nY=value\n");
-    EXPECT_EQ(read_file(sandbox_.path() + "/common.cfg"), "INC=i\n");
 
     // A new home file is created with its directories.
-    fs::create_directories(home());
+    fs::create_directories(sandbox_.path() + "/home");
     EXPECT_EQ(gui_env_put_ee("H", "1", GUI_ENV_HOME), 1);
     EXPECT_EQ(gui_env_deinit(1), 1);
-    EXPECT_EQ(read_file(home() + "/zqtarvex/config/zqtarvex.cfg"), "H=1\n");
+    EXPECT_EQ(read_file(sandbox_.path() + "/home/zqtarvex/config/zqtarvex.cfg"), "H=1\n");
 }
 
 // A save cut short half-way, by a write error (the file-size limit with
@@ -103,9 +85,7 @@ TEST_F(ConfigFiles, FailedOrKilledSaveLeavesTheFileIntact)
     for (bool killed : {false, true}) {
         SCOPED_TRACE(killed ? "killed" : "failed");
         const ChildResult child = run_in_child([killed] {
-            if (!killed) {
-                std::signal(SIGXFSZ, SIG_IGN);
-            }
+            std::signal(SIGXFSZ, killed ? SIG_DFL : SIG_IGN);
             CallbackLog log;
             gui_env_put_ee("A", std::string(100000, 'n').c_str(), GUI_ENV_LOCAL);
             rlimit limit{4096, 4096};
@@ -150,12 +130,10 @@ TEST_F(ConfigFiles, DefaultEnvironmentIsRemadeFromTheFiles)
 
 TEST_F(ConfigFiles, WebBrowser)
 {
-    const std::string bin = sandbox_.path() + "/bin";
     const std::string opener = sandbox_.write_file("bin/xdg-open", "#!/bin/sh\n");
     const std::string firefox = sandbox_.write_file("bin/firefox", "#!/bin/sh\n");
-    fs::permissions(opener, fs::perms::owner_all);
-    fs::permissions(firefox, fs::perms::owner_all);
-    ScopedEnv path("PATH", bin);
+    for (const std::string& program : {opener, firefox}) fs::permissions(program, fs::perms::owner_all);
+    ScopedEnv path("PATH", sandbox_.path() + "/bin");
     ScopedEnv no_browser("BROWSER", std::nullopt);
     auto browser = [] {
         char* found = gui_env_getwebbrowser();
@@ -164,14 +142,12 @@ TEST_F(ConfigFiles, WebBrowser)
         return text;
     };
     EXPECT_EQ(browser(), opener);
-    {
-        ScopedEnv list("BROWSER", std::string("nosuch:firefox"));
-        EXPECT_EQ(browser(), firefox);
-    }
+    ScopedEnv list("BROWSER", std::string("nosuch:firefox"));
+    EXPECT_EQ(browser(), firefox);
     // The configured browser wins when it names an existing file.
     write("root/config/de_sim.cfg", "WEB_BROWSER=" + sandbox_.path() + "/bin/%NAME\n");
-    write("de_sim.cfg", "NAME=firefox\n");
-    EXPECT_EQ(browser(), firefox);
+    write("de_sim.cfg", "NAME=xdg-open\n");
+    EXPECT_EQ(browser(), opener);
     ScopedEnv empty_path("PATH", sandbox_.path() + "/none");
     write("de_sim.cfg", "NAME=missing\n");
     EXPECT_EQ(browser(), "");
@@ -201,10 +177,8 @@ TEST_F(ConfigFiles, IncludeCyclesAndDeepChainsAreSkippedAndReported)
         {"+zqtarvex\nSELF=1\n", GUI_ENV_ERR_INCLUDE_CYCLE, "zqtarvex.cfg -> zqtarvex.cfg", "SELF"},
         {"+other\nMINE=1\n", GUI_ENV_ERR_INCLUDE_CYCLE, "zqtarvex.cfg -> other.cfg -> zqtarvex.cfg", "THEIRS"},
         {"+inc0\n", GUI_ENV_ERR_INCLUDE_DEPTH, "inc63.cfg", "D62"},
-        {"+locked\n", GUI_ENV_ERR_READ, "locked.cfg", "MINE"}, // exists: never "not found"
     };
     write("other.cfg", "+zqtarvex\nTHEIRS=1\n");
-    fs::permissions(write("locked.cfg", "L=1\n"), fs::perms::none);
     for (const Case& c : cases) {
         SCOPED_TRACE(c.local);
         write("zqtarvex.cfg", std::string(c.local) + "MINE=1\n");
@@ -215,7 +189,6 @@ TEST_F(ConfigFiles, IncludeCyclesAndDeepChainsAreSkippedAndReported)
         EXPECT_NE(ee(c.defined), "<-1>");
         gui_env_deinit(0);
     }
-    EXPECT_EQ(ee("D63"), "<-1>");
 }
 
 TEST_F(ConfigFiles, UnusableFilesAreReportedAndNeverReplaced)
@@ -224,20 +197,16 @@ TEST_F(ConfigFiles, UnusableFilesAreReportedAndNeverReplaced)
         const char* what;
         fs::perms mode;
         bool read_reported;
-        const char* reason;
     } cases[] = {
-        {"unreadable", fs::perms::none, true, "Permission denied"},
-        {"read-only", fs::perms::owner_read | fs::perms::group_read, false, "Permission denied"},
-        {"directory", fs::perms::owner_all, true, "Is a directory"},
-        {"fifo", fs::perms::owner_read | fs::perms::owner_write, true, "not a regular file"},
+        {"unreadable", fs::perms::none, true},
+        {"read-only", fs::perms::owner_read | fs::perms::group_read, false},
+        {"fifo", fs::perms::owner_read | fs::perms::owner_write, true},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.what);
         const std::string local = sandbox_.path() + "/zqtarvex.cfg";
         fs::remove_all(local);
-        if (std::string(c.what) == "directory") {
-            fs::create_directory(local);
-        } else if (std::string(c.what) == "fifo") {
+        if (std::string(c.what) == "fifo") {
             ASSERT_EQ(mkfifo(local.c_str(), 0600), 0);
         } else {
             write("zqtarvex.cfg", "A=old\n");
@@ -245,16 +214,13 @@ TEST_F(ConfigFiles, UnusableFilesAreReportedAndNeverReplaced)
         }
         const auto calls = calls_while_loading();
         EXPECT_EQ(calls.size(), c.read_reported ? 1u : 0u);
-        if (c.read_reported && !calls.empty()) {
-            EXPECT_EQ(calls[0].code, GUI_ENV_ERR_READ);
-        }
+        EXPECT_TRUE(calls.empty() || calls[0].code == GUI_ENV_ERR_READ);
         CallbackLog log;
         gui_env_put_ee("A", "new", GUI_ENV_LOCAL);
         EXPECT_EQ(gui_env_deinit(1), 0);
         ASSERT_EQ(log.calls.size(), 1u);
         EXPECT_EQ(log.calls[0].code, GUI_ENV_ERR_WRITE);
         EXPECT_EQ(log.calls[0].name, local);
-        EXPECT_EQ(tql::env::last_file_failure().reason, c.reason);
         if (fs::is_regular_file(local)) {
             fs::permissions(local, fs::perms::owner_read);
             EXPECT_EQ(read_file(local), "A=old\n");
@@ -262,70 +228,43 @@ TEST_F(ConfigFiles, UnusableFilesAreReportedAndNeverReplaced)
     }
 }
 
-TEST_F(ConfigFiles, PathsOfAnyLengthSaveWhereTheyName)
-{
-    std::string deep = sandbox_.path();
-    for (int i = 0; i < 15; ++i) { // about 3,000 bytes
-        deep += "/" + std::string(200, static_cast<char>('a' + i));
-    }
-    fs::create_directories(deep);
-    const std::string file = deep + "/long.cfg";
-    GuiEnv env = gui_env_open(file.c_str(), GUI_ENV_FILE);
-    gui_env_put(env, "K", "v", GUI_ENV_LOCAL);
-    EXPECT_EQ(gui_env_close(env, 1), 1);
-    EXPECT_EQ(read_file(file), "K=v\n");
-}
-
+// Every line of a name defined twice is saved; NUL bytes are data, and a
+// name holding one defines nothing.
 TEST_F(ConfigFiles, SavedValuesReadBackWithDuplicatesAndNulBytes)
 {
     using namespace std::string_literals;
-    struct Case {
-        std::string file;
-        const char* set;
-        std::string saved;
-    } cases[] = {
-        {"A=1\nB=b\nA=2\n", "A", "A=new\nB=b\nA=new\n"},
-        {"A=x\0y\nB=2\nC=3\n"s, "B", "A=x\0y\nB=new\nC=3\n"s},
-        {"\0=1\nA\0=2\nA=4\n"s, "A", "\0=1\nA\0=2\nA=new\n"s}, // a name with NUL defines nothing
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.set);
-        const std::string local = write("zqtarvex.cfg", c.file);
-        EXPECT_EQ(ee("C", GUI_ENV_LOCAL), c.file.find("C=3") == std::string::npos ? "<-1>" : "3");
-        gui_env_put_ee(c.set, "new", GUI_ENV_LOCAL);
-        EXPECT_EQ(gui_env_deinit(1), 1);
-        EXPECT_EQ(read_file(local), c.saved);
-        EXPECT_EQ(ee(c.set), "new");
-        gui_env_deinit(0);
-    }
+    const std::string local = write("zqtarvex.cfg", "A=1\nB=x\0y\nC=3\n\0=1\nA\0=2\nA=2\n"s);
+    EXPECT_EQ(ee("C"), "3");
+    gui_env_put_ee("A", "new", GUI_ENV_LOCAL);
+    EXPECT_EQ(gui_env_deinit(1), 1);
+    EXPECT_EQ(read_file(local), "A=new\nB=x\0y\nC=3\n\0=1\nA\0=2\nA=new\n"s);
+    EXPECT_EQ(ee("A"), "new");
 }
 
-TEST_F(ConfigFiles, ConcurrentSavesKeepEveryVariable)
+// Two processes save to the same file, whose path is about 3,000 bytes
+// long, at once: every variable of both is kept.
+TEST_F(ConfigFiles, ConcurrentSavesToALongPathKeepEveryVariable)
 {
-    const std::string file = write("shared.cfg", "# shared\n");
-    auto saver = [&file](char who) {
-        return [&file, who] {
-            for (int i = 0; i < 40; ++i) {
-                GuiEnv env = gui_env_open(file.c_str(), GUI_ENV_FILE);
-                gui_env_put(env, (who + std::to_string(i)).c_str(), "v", GUI_ENV_LOCAL);
-                gui_env_close(env, 1);
-            }
-        };
-    };
-    pid_t first = fork();
-    if (first == 0) {
-        saver('P')();
+    std::string deep = sandbox_.path();
+    for (int i = 0; i < 15; ++i) {
+        deep += "/" + std::string(200, static_cast<char>('a' + i));
+    }
+    fs::create_directories(deep);
+    const std::string file = deep + "/shared.cfg";
+    const pid_t other = fork(); // saves as Q while this process saves as P
+    const char who = other == 0 ? 'Q' : 'P';
+    for (int i = 0; i < 40; ++i) {
+        GuiEnv env = gui_env_open(file.c_str(), GUI_ENV_FILE);
+        gui_env_put(env, (who + std::to_string(i)).c_str(), "v", GUI_ENV_LOCAL);
+        gui_env_close(env, 1);
+    }
+    if (other == 0) {
         std::_Exit(0);
     }
-    const ChildResult second = run_in_child(saver('Q'));
-    waitpid(first, nullptr, 0);
-    EXPECT_TRUE(second.exited);
-    GuiEnv env = gui_env_open(file.c_str(), GUI_ENV_FILE);
-    for (char who : {'P', 'Q'}) {
-        for (int i = 0; i < 40; ++i) {
-            EXPECT_EQ(get(env, (who + std::to_string(i)).c_str()), "v") << who << i;
-        }
-    }
+    waitpid(other, nullptr, 0);
+    // Each save adds one variable of its own.
+    const std::string text = read_file(file);
+    EXPECT_EQ(std::count(text.begin(), text.end(), '='), 80) << text;
 }
 
 } // namespace

@@ -11,6 +11,7 @@
 
 #include <gtest/gtest.h>
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -18,11 +19,6 @@ namespace tql_test {
 
 class EnvTest : public ::testing::Test {
 protected:
-    void SetUp() override
-    {
-        gui_env_deinit(0);
-        gui_env_set_error(nullptr);
-    }
     void TearDown() override
     {
         gui_env_set_error(nullptr);
@@ -34,11 +30,13 @@ protected:
     GuiEnv open_env() { return gui_env_open("test", kNoFiles); }
     static constexpr int kNoFiles = 99;
 
-    // The value of `name` at `level`, or "<-1>" / "<size N>".
+    // The value of `name` at `level` of `env` (null: of the default
+    // environment), or "<-1>" / "<size N>".
     static std::string get(GuiEnv env, const char* name, int level = GUI_ENV_ANY)
     {
-        char buffer[4096];
-        const int result = gui_env_get(env, name, buffer, nullptr, sizeof buffer, level);
+        char buffer[8192];
+        const int result = env ? gui_env_get(env, name, buffer, nullptr, sizeof buffer, level)
+                               : gui_env_get_ee(name, buffer, nullptr, sizeof buffer, level);
         if (result == 0) return buffer;
         return result < 0 ? "<-1>" : "<size " + std::to_string(result) + ">";
     }
@@ -46,39 +44,34 @@ protected:
     SandboxInstallation sandbox_;
 };
 
-// An error callback that records its calls and answers from the fields
-// below, installed for as long as the log exists.
+// An error callback that records its calls, installed for as long as the
+// log exists; it answers 0, or with `replacement` and 1 once that is set.
 struct CallbackLog {
     struct Call { int code; std::string config; std::string name; };
-    CallbackLog();
-    ~CallbackLog();
+    CallbackLog()
+    {
+        current = this;
+        gui_env_set_error(record);
+    }
+    ~CallbackLog()
+    {
+        gui_env_set_error(nullptr);
+        current = nullptr;
+    }
     CallbackLog(const CallbackLog&) = delete;
     CallbackLog& operator=(const CallbackLog&) = delete;
+
+    static int record(int code, const char* config, const char* name, char** out)
+    {
+        current->calls.push_back({code, config ? config : "<null>", name ? name : "<null>"});
+        if (!current->replacement) return 0;
+        if (out) *out = &(*current->replacement)[0];
+        return 1;
+    }
+    inline static CallbackLog* current = nullptr;
     std::vector<Call> calls;
-    std::string replacement;
-    int result = 0;
-    bool set_replacement = false;
+    std::optional<std::string> replacement;
 };
-inline CallbackLog* g_callback_log = nullptr;
-
-inline int recording_callback(int code, const char* config, const char* name, char** out)
-{
-    g_callback_log->calls.push_back({code, config ? config : "<null>", name ? name : "<null>"});
-    if (g_callback_log->set_replacement && out) *out = &g_callback_log->replacement[0];
-    return g_callback_log->result;
-}
-
-inline CallbackLog::CallbackLog()
-{
-    g_callback_log = this;
-    gui_env_set_error(recording_callback);
-}
-
-inline CallbackLog::~CallbackLog()
-{
-    gui_env_set_error(nullptr);
-    g_callback_log = nullptr;
-}
 
 } // namespace tql_test
 

@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <iterator>
 #include <string>
+#include <tuple>
 #include <vector>
 
 namespace {
@@ -21,21 +22,6 @@ std::string message(char c, const char* kind_words, const char* extra)
 }
 std::string identifier_message(char c) { return message(c, "", " with non-numeric first character"); }
 std::string design_message(char c) { return message(c, "in design names ", "`@#&+-=^"); }
-std::string component_message(char c) { return message(c, "in component names ", "`@#&+-=^$%"); }
-
-std::string message_for(char c, int kind)
-{
-    if (kind & (ASTR_KIND_IDENTIFIER | ASTR_KIND_INDEXED)) return identifier_message(c);
-    if (kind & ASTR_KIND_WORKSPACE) return message(c, "in workspace names ", "");
-    if (kind & ASTR_KIND_DESIGN) return design_message(c);
-    return kind & ASTR_KIND_NODE ? message(c, "in node names ", "`@#&+-=^$%!") : component_message(c);
-}
-
-std::string validate(const char* name, int kind, int allow_dot)
-{
-    const char* message = astr_kps_valid_name(name, kind, allow_dot);
-    return message ? message : "<valid>";
-}
 
 struct ValidCase {
     const char* name;
@@ -58,42 +44,36 @@ TEST(NameValidation, EdgeCasesAndMessages)
         {"bus(1)x", ASTR_KIND_INDEXED, 0, identifier_message('x')},
         // Without the indexed bit "(" is illegal in every kind.
         {"bus(1)", ASTR_KIND_IDENTIFIER, 0, identifier_message('(')},
-        // The first illegal character is the one reported.
+        // The first illegal character is the one reported, in its kind's words.
         {"a b!c", ASTR_KIND_DESIGN, 0, design_message(' ')},
+        {"a~b", ASTR_KIND_COMPONENT, 0, message('~', "in component names ", "`@#&+-=^$%")},
+        // Each kind's characters: letters, digits and _ everywhere; '.' where
+        // allowed; design adds `@#&+-=^, component and node add $ and %, node !.
+        {"a+b", ASTR_KIND_WORKSPACE, 0, message('+', "in workspace names ", "")},
+        {"a+b", ASTR_KIND_DESIGN, 0, valid}, {"a+b", ASTR_KIND_INDEXED, 0, identifier_message('+')},
+        {"a$b", ASTR_KIND_COMPONENT, 0, valid}, {"a%b", ASTR_KIND_DESIGN, 0, design_message('%')},
+        {"a!b", ASTR_KIND_NODE, 0, valid}, {"a.b", ASTR_KIND_NODE, 0, message('.', "in node names ", "`@#&+-=^$%!")},
+        {"a.b", ASTR_KIND_IDENTIFIER, 1, valid}, {"a_7", ASTR_KIND_WORKSPACE, 0, valid},
         // Bytes of 128 and above are letters to the check.
         {"caf\xc3\xa9", ASTR_KIND_IDENTIFIER, 0, valid},
     };
     for (const ValidCase& c : cases) {
-        SCOPED_TRACE(std::string("name \"") + c.name + "\" kind " + std::to_string(c.kind) + " allow_dot " +
-                     std::to_string(c.allow_dot));
-        EXPECT_EQ(validate(c.name, c.kind, c.allow_dot), c.expected);
+        SCOPED_TRACE(std::string("name \"") + c.name + "\" kind " + std::to_string(c.kind));
+        const char* message = astr_kps_valid_name(c.name, c.kind, c.allow_dot);
+        EXPECT_EQ(message ? message : "<valid>", c.expected);
     }
     EXPECT_EQ(astr_kps_valid_name(nullptr, ASTR_KIND_IDENTIFIER, 0), nullptr);
     // Every message comes from the same buffer: the next call overwrites it.
     EXPECT_EQ(astr_kps_valid_name("1a", ASTR_KIND_IDENTIFIER, 0), astr_kps_valid_name("a b", ASTR_KIND_COMPONENT, 0));
-}
 
-TEST(NameValidation, CharacterClassesByKind)
-{
-    // One row per character: for component, node, design, identifier,
-    // indexed and workspace names, '.' legal and 'X' illegal.
-    const int kinds[] = {ASTR_KIND_COMPONENT,  ASTR_KIND_NODE,    ASTR_KIND_DESIGN,
-                         ASTR_KIND_IDENTIFIER, ASTR_KIND_INDEXED, ASTR_KIND_WORKSPACE};
-    struct Row { char c; int allow_dot; const char* legality; };
-    std::vector<Row> rows = {
-        {'+', 0, "...XXX"}, {'@', 0, "...XXX"}, {'^', 0, "...XXX"}, {'$', 0, "..XXXX"}, {'%', 0, "..XXXX"},
-        {'!', 0, "..XXXX"}, {'.', 0, "XXXXXX"}, {'.', 1, "......"}, {'_', 0, "......"}, {'7', 0, "......"},
-        {'~', 1, "XXXXXX"}, {' ', 1, "XXXXXX"},
-    };
-    for (const Row& row : rows) {
-        const std::string name = std::string("a") + row.c + "b";
-        for (int k = 0; k < 6; ++k) {
-            SCOPED_TRACE(std::string("character '") + row.c + "' kind " + std::to_string(kinds[k]) + " allow_dot " +
-                         std::to_string(row.allow_dot));
-            const std::string expected = row.legality[k] == 'X' ? message_for(row.c, kinds[k]) : "<valid>";
-            EXPECT_EQ(validate(name.c_str(), kinds[k], row.allow_dot), expected);
-        }
+    // The special-character search: a leading digit, else the first byte
+    // that is not a letter, digit or _ ('.' only when allowed); -1: none.
+    for (const auto& [name, allow_dot, offset] :
+         {std::tuple{"1abc", 0, 0L}, {"a.b!", 0, 1L}, {"a.b!", 1, 3L}, {"caf\xc3\xa9_9", 0, -1L}}) {
+        const char* found = astr_kps_spl_name(name, allow_dot);
+        EXPECT_EQ(found ? found - name : -1L, offset) << name << " allow_dot " << allow_dot;
     }
+    EXPECT_EQ(astr_kps_spl_name(nullptr, 0), nullptr);
 }
 
 struct RepairCase { const char* name; int kind; int allow_dot; char replacement; const char* expected; };
@@ -113,49 +93,21 @@ TEST(NameValidationRepair, ReplacesWhatTheCheckRefuses)
         {"bus(1)x y", ASTR_KIND_INDEXED, 0, '_', "bus(1)x_y"},
     };
     for (const RepairCase& c : cases) {
-        SCOPED_TRACE(std::string("name \"") + c.name + "\" kind " + std::to_string(c.kind) + " allow_dot " +
-                     std::to_string(c.allow_dot));
+        SCOPED_TRACE(std::string("name \"") + c.name + "\" kind " + std::to_string(c.kind));
         char output[64];
         std::fill(std::begin(output), std::end(output), '#');
         EXPECT_EQ(astr_kps_get_valid_name(c.name, c.kind, c.allow_dot, c.replacement, output), 1);
         EXPECT_STREQ(output, c.expected);
     }
-}
-
-TEST(NameValidationRepair, NullNameInPlaceAndNoOutput)
-{
-    char output[8] = "keep";
-    EXPECT_EQ(astr_kps_get_valid_name(nullptr, ASTR_KIND_COMPONENT, 0, '_', output), 0);
-    EXPECT_STREQ(output, "keep");
-
+    EXPECT_EQ(astr_kps_get_valid_name(nullptr, ASTR_KIND_COMPONENT, 0, '_', nullptr), 0);
     // The name's own buffer may be the output.
     char name[] = "in place";
     EXPECT_EQ(astr_kps_get_valid_name(name, ASTR_KIND_COMPONENT, 0, '_', name), 1);
     EXPECT_STREQ(name, "in_place");
-
     // Without an output the work happens in a scratch copy; the name stays.
     const char original[] = "a b";
     EXPECT_EQ(astr_kps_get_valid_name(original, ASTR_KIND_COMPONENT, 0, '_', nullptr), 1);
     EXPECT_STREQ(original, "a b");
-}
-
-TEST(NameValidationSpecial, FirstSpecialCharacter)
-{
-    struct Case {
-        const char* name;
-        int allow_dot;
-        long offset; // -1: none
-    };
-    const std::vector<Case> cases = {
-        {"abc_9", 0, -1}, {"1abc", 0, 0}, {"a.b", 0, 1}, {"a.b", 1, -1}, {"a.b!", 1, 3}, {"caf\xc3\xa9", 0, -1},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(std::string("name \"") + c.name + "\" allow_dot " + std::to_string(c.allow_dot));
-        const char* found = astr_kps_spl_name(c.name, c.allow_dot);
-        if (c.offset < 0) EXPECT_EQ(found, nullptr);
-        else EXPECT_EQ(found, c.name + c.offset);
-    }
-    EXPECT_EQ(astr_kps_spl_name(nullptr, 0), nullptr);
 }
 
 } // namespace
