@@ -60,5 +60,20 @@ TEST_F(PathList, SeparatorsDrivesSmallDestinationsAndExpansion)
     EXPECT_STREQ(out, "\\more");
 }
 
+// A process variable, else what the error callback offers for it, else null.
+TEST_F(PathList, ProcessVariablesFallBackToTheCallback)
+{
+    ScopedEnv set("TQL_SYS_SET", std::string("value"));
+    ScopedEnv unset("TQL_SYS_UNSET", std::nullopt);
+    CallbackLog log;
+    EXPECT_STREQ(gui_env_get_sys(nullptr, "TQL_SYS_SET"), "value");
+    EXPECT_EQ(gui_env_get_sys(nullptr, "TQL_SYS_UNSET"), nullptr);
+    log.replacement = "offered";
+    EXPECT_STREQ(gui_env_get_sys(nullptr, "TQL_SYS_UNSET"), "offered");
+    ASSERT_EQ(log.calls.size(), 2u);
+    EXPECT_EQ(log.calls[1].code, GUI_ENV_ERR_NO_SYSVAR);
+    EXPECT_EQ(log.calls[1].name, "TQL_SYS_UNSET");
+}
+
 } // namespace
 } // namespace tql_test
