@@ -1,6 +1,6 @@
 // dbug: trace and debug lines for each control flag, whole lines from
-// several threads, the profile file on pop and at exit, the assertion text,
-// and the macros compiled out.
+// several threads with their shared profile written on the pop, the profile
+// at exit, the assertion text, and the macros compiled out.
 #include <tql70/dbug.h>
 
 #include "support/child_process.h"
@@ -22,7 +22,6 @@ extern "C" int dbug_off_double(int x);
 namespace {
 
 using tql_test::read_file;
-using tql_test::ScopedCurrentDirectory;
 using tql_test::TempDir;
 
 int inner(int x)
@@ -43,10 +42,13 @@ void outer()
 // What "d:t" writes for one call of outer().
 const std::string kFullTrace = ">outer\nouter: calc: start\n| >inner\n| inner: info: x=1\n| <inner\n<outer\n";
 
-// dbugmon.out after one call of outer(): the header, then one line per
+// dbugmon.out after `calls` calls of outer(): the header, then one line per
 // function in name order with its calls and milliseconds.
-const std::regex kOneCallEachProfile("       calls   milliseconds  function\n"
-                                     " {11}1 +[0-9]+\\.[0-9]{3}  inner\n {11}1 +[0-9]+\\.[0-9]{3}  outer\n");
+std::regex profile_after(const std::string& calls)
+{
+    const std::string line = " +" + calls + " +[0-9]+\\.[0-9]{3}  ";
+    return std::regex("       calls   milliseconds  function\n" + line + "inner\n" + line + "outer\n");
+}
 
 TEST(Dbug, ControlFlagsSelectTheLines)
 {
@@ -61,28 +63,25 @@ TEST(Dbug, ControlFlagsSelectTheLines)
         {"t:f,inner", "| >inner\n| <inner\n"},
         {"t,1", ">outer\n<outer\n"},
         {"-#d,calc:n:P", "dbug_test: 1: outer: calc: start\n"},
-        {"g", ""}, // the profile, written on the pop
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.control);
-        ScopedCurrentDirectory cwd(dir.path());
         DBUG_PUSH((std::string(c.control) + ":o," + out).c_str());
         outer();
         DBUG_POP();
         EXPECT_EQ(read_file(out), c.expected);
     }
-    EXPECT_TRUE(std::regex_match(read_file(dir.path() + "/dbugmon.out"), kOneCallEachProfile));
-    // Nothing pushed: nothing written, the compiled-out C caller neither.
-    outer();
+    // Nothing is pushed after the pops, and the compiled-out C caller
+    // traces nothing.
     EXPECT_EQ(dbug_off_double(21), 42);
     EXPECT_EQ(_db_on_, 0);
 }
 
-TEST(Dbug, ThreadsKeepTheirNestingAndWholeLines)
+// The profile, written on the pop, counts the calls of every thread.
+TEST(Dbug, ThreadsKeepTheirNestingAndWholeLinesAndShareTheProfile)
 {
-    TempDir dir;
-    const std::string out = dir.path() + "/trace.out";
-    DBUG_PUSH(("d:t:o," + out).c_str());
+    const tql_test::SandboxInstallation dir; // the current directory
+    DBUG_PUSH("d:t:g:o,trace.out");
     std::vector<std::thread> threads;
     for (int t = 0; t < 4; ++t) {
         threads.emplace_back([] {
@@ -95,12 +94,13 @@ TEST(Dbug, ThreadsKeepTheirNestingAndWholeLines)
         thread.join();
     }
     DBUG_POP();
-    std::istringstream lines(read_file(out));
+    std::istringstream lines(read_file("trace.out"));
     int count = 0;
     for (std::string line; std::getline(lines, line); ++count) {
         ASSERT_NE(("\n" + kFullTrace).find("\n" + line + "\n"), std::string::npos) << line;
     }
     EXPECT_EQ(count, 4 * 200 * 6);
+    EXPECT_TRUE(std::regex_match(read_file("dbugmon.out"), profile_after("800")));
 }
 
 TEST(Dbug, FailedAssertionPrintsItsPlaceAndAborts)
@@ -121,14 +121,13 @@ TEST(Dbug, EnvironmentIsPushedAtFirstUseAndProfiledAtExit)
         outer();
         return;
     }
-    TempDir dir;
-    ScopedCurrentDirectory cwd(dir.path());
+    const tql_test::SandboxInstallation dir; // the current directory
     const std::string command = "DBUG_TEST_AGAIN=1 ZQTARVEX_DBUG='t:g:o,env.out' " +
                                 std::filesystem::read_symlink("/proc/self/exe").string() +
                                 " --gtest_filter=Dbug.EnvironmentIsPushedAtFirstUseAndProfiledAtExit >/dev/null 2>&1";
     ASSERT_EQ(std::system(command.c_str()), 0);
     EXPECT_EQ(read_file("env.out"), ">outer\n| >inner\n| <inner\n<outer\n");
-    EXPECT_TRUE(std::regex_match(read_file("dbugmon.out"), kOneCallEachProfile));
+    EXPECT_TRUE(std::regex_match(read_file("dbugmon.out"), profile_after("1")));
 }
 
 } // namespace
