@@ -1,5 +1,5 @@
-// Tests of ErrorHandler: the stack of handlers, the hooks each one carries
-// beside the global hooks, and its own report functions.
+// Tests of report routing: the handler stack, each handler's hooks beside
+// the global ones, a handler's own reports, and the printout of the rest.
 #include "error/error_test_support.h"
 
 #include <tql70/aerr.h>
@@ -9,7 +9,7 @@
 
 #include <QString>
 
-#include <cstdio>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -34,8 +34,16 @@ private:
 };
 
 int global_hook(char*, int, char*, char* text) { return g_calls.push_back(std::string("global:") + text), 1; }
-int handler_hook(char*, int, char*, char* text) { return g_calls.push_back(std::string("hook:") + text), 1; }
-int declining_hook(char*, int, char*, char* text) { return g_calls.push_back(std::string("declining:") + text), 0; }
+int taking_hook(char*, int, char*, char* text) { return g_calls.push_back(std::string("taking:") + text), 7; }
+
+// Records what it is given and the pending text it reads meanwhile (a
+// report that holds the lock deadlocks here), and declines.
+int reading_hook(char* module, int code, char* message, char* text)
+{
+    g_calls.push_back(std::string("reading:") + module + ":" + std::to_string(code) + ":" + message + ":" + text + ":" +
+                      tql_test::pending_text());
+    return 0;
+}
 
 using Calls = std::vector<std::string>;
 
@@ -44,7 +52,7 @@ protected:
     void clear() override { ErrorStateTest::clear(), g_calls.clear(); }
 };
 
-TEST_F(ErrorHandlerTest, ReportsGoToTheNewestHandlerAndItsOwnHooks)
+TEST_F(ErrorHandlerTest, ReportsGoToTheNewestHandlerOrItsHooks)
 {
     aerr_set_error_function(global_hook);
     aerr_set_warning_function(global_hook);
@@ -53,80 +61,87 @@ TEST_F(ErrorHandlerTest, ReportsGoToTheNewestHandlerAndItsOwnHooks)
         {
             RecordingHandler b("b");
             EXPECT_EQ(aerr_get_warning_function(), nullptr);
-            report_error("two");
-            report_warning("w");
+            report_warning(std::string("w"));
+            EXPECT_EQ(aerr_process_warning("GUI", 7, "W", nullptr), 1);
             aerr_process_error("GUI", 12, "M", "T%d", 1);
-            aerr_process_warning("GUI", 7, "W", nullptr);
+            // Called on a handler that is not current, the report still
+            // goes to that handler.
+            a.report_warning("direct");
         }
-        report_error("three");
-        EXPECT_FALSE(error_pending());
+        report_error(QString("three"));
         // Hooks set while a handler is current belong to that handler.
-        EXPECT_EQ(aerr_set_error_function(handler_hook), handler_hook);
-        aerr_set_warning_function(handler_hook);
-        EXPECT_EQ(a.get_legacy_error_function(), handler_hook);
-        report_error("e");
-        report_warning("w");
+        EXPECT_EQ(aerr_set_error_function(taking_hook), taking_hook);
+        aerr_set_warning_function(taking_hook);
+        EXPECT_EQ(a.get_legacy_error_function(), taking_hook);
+        report_error(std::string("e"), std::string("f"));
+        report_warning(std::string("w"), std::string("v"));
+        // The handler's own reports bypass its hooks; its errors clear the
+        // flag but keep the pending text.
+        set_pending_error("pending text");
+        a.report_error(QString("shown"));
+        a.report_error(std::string("s"));
+        EXPECT_FALSE(error_pending());
+        EXPECT_EQ(tql_test::pending_text(), "pending text");
+        set_pending_error("still");
+        a.report_warning(std::string("careful"));
+        a.report_warning(QString("q"));
+        EXPECT_TRUE(error_pending());
         a.set_legacy_error_function(nullptr);
         EXPECT_EQ(aerr_get_error_function(), nullptr);
     }
     EXPECT_EQ(aerr_get_error_function(), global_hook);
     report_error("four");
-    EXPECT_EQ(g_calls, (Calls{"b:1::-1::two", "b:2::-1::w", "b:1:GUI:12:M:T1", "b:2:GUI:7:W:", "a:1::-1::three",
-                              "hook:e", "hook:w", "global:four"}));
+    EXPECT_EQ(g_calls, (Calls{"b:2::-1::w", "b:2:GUI:7:W:", "b:1:GUI:12:M:T1", "a:2::-1::direct", "a:1::-1::three",
+                              "taking:e\nf", "taking:w\nv", "a:1::-1::shown", "a:1::-1::s", "a:2::-1::careful",
+                              "a:2::-1::q", "global:four"}));
 }
 
-TEST_F(ErrorHandlerTest, HandlerOwnReportsBypassHooksAndKeepTheText)
-{
-    RecordingHandler a("a");
-    a.set_legacy_error_function(handler_hook);
-    a.set_legacy_warning_function(handler_hook);
-    set_pending_error("pending text");
-    a.report_error(QString("shown"));
-    a.report_error(std::string("s"));
-    EXPECT_FALSE(error_pending());
-    EXPECT_EQ(tql_test::pending_text(), "pending text");
-    set_pending_error("still");
-    a.report_warning(std::string("careful"));
-    a.report_warning(QString("q"));
-    EXPECT_TRUE(error_pending());
-    {
-        // Called on a handler that is not current, the report still goes
-        // to that handler.
-        RecordingHandler b("b");
-        a.report_warning("direct");
-    }
-    EXPECT_EQ(g_calls, (Calls{"a:1::-1::shown", "a:1::-1::s", "a:2::-1::careful", "a:2::-1::q", "a:2::-1::direct"}));
-}
-
+// Reports no hook or handler takes are printed on stderr; the same
+// printout serves coded and plain errors, warnings and messages.
 TEST_F(ErrorHandlerTest, UnhandledReportsArePrinted)
 {
-    struct Case { const char* name; void (*body)(); std::string err; std::string out; };
+    struct Case { const char* name; std::function<int()> body; std::string err; int result; Calls calls; };
     const Case cases[] = {
+        {"error hook declines: null format, long module and code not cut, message printed as is",
+         [] {
+             aerr_set_error_function(reading_hook);
+             aerr_process_error("MODULE7", 12345, "50%d", nullptr);
+             return 0;
+         },
+         "ERROR   MODULE712345: 50%d\n", 0, {"reading:MODULE7:12345:50%d::"}},
         {"handler declines",
          [] {
              RecordingHandler a("a", false);
-             report_error("x");
-             aerr_process_warning("GUI", 7, "M", "z");
-             std::printf("%zu", g_calls.size());
+             report_error("a", "b");
+             report_warning(QString("y\n"));
+             return aerr_process_warning("GUI", 7, "M", "z");
          },
-         "ERROR         -001 x: \nWARNING    GUI0007 z: M\n", "2"},
-        {"a declining hook hides the handler",
-         [] {
-             RecordingHandler a("a");
-             a.set_legacy_warning_function(declining_hook);
-             report_warning("y\n");
-             std::printf("%s", g_calls.at(0).c_str());
-         },
-         "WARNING y\n", "declining:y\n"},
+         "ERROR         -001 a\nb: \nWARNING y\nWARNING    GUI0007 z: M\n", 4,
+         {"a:1::-1::a\nb", "a:2::-1::y\n", "a:2:GUI:7:M:z"}},
         {"messages never reach a handler",
-         [] { RecordingHandler a("a"); aerr_process_message("GUI", 3, "M", nullptr); std::printf("%zu", g_calls.size()); },
-         "INFO       GUI0003: M\n", "0"},
+         [] { RecordingHandler a("a"); return aerr_process_message("GUI", 3, "", "hi %s", "x"); },
+         "INFO       GUI0003 hi x: \n", 3, {}},
+        {"message function takes it",
+         [] { aerr_set_message_function(taking_hook); return aerr_process_message("GUI", 3, "M", "t"); }, "", 7,
+         {"taking:t"}},
+        {"error hook takes a set error; then nothing is pending, and an empty warning prints nothing",
+         [] {
+             aerr_set_error_function(taking_hook);
+             aerr_set("GUI", 12, "M", "T");
+             const int reported = aerr_report() * 10 + aerr_report();
+             report_pending_error();
+             report_warning("");
+             return reported;
+         },
+         "", 10, {"taking:T"}},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
-        std::string out;
-        EXPECT_EQ(tql_test::child_stderr(c.body, &out), c.err);
-        EXPECT_EQ(out, c.out);
+        clear();
+        testing::internal::CaptureStderr();
+        EXPECT_EQ(c.body(), c.result);
+        EXPECT_EQ(testing::internal::GetCapturedStderr(), c.err);
+        EXPECT_EQ(g_calls, c.calls);
     }
 }
 

@@ -10,7 +10,6 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <string>
 
 namespace tql_test {
@@ -20,17 +19,6 @@ inline std::string pending_text()
     std::string text;
     get_pending_error(&text);
     return text;
-}
-
-// Runs `body` in a child process and returns what it wrote to stderr; its
-// stdout goes to `out`. The child must end normally.
-inline std::string child_stderr(const std::function<void()>& body, std::string* out = nullptr)
-{
-    const ChildResult result = run_in_child(body, 10);
-    EXPECT_TRUE(result.exited) << "signal " << result.signal << (result.timed_out ? ", timed out" : "");
-    EXPECT_EQ(result.exit_status, 0);
-    if (out) *out = result.out;
-    return result.err;
 }
 
 class ErrorStateTest : public ::testing::Test {

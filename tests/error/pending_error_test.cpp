@@ -1,5 +1,5 @@
 // Tests of the pending error: its setters and the joining of parts, reading
-// it back, location lines, and reports through hooks or on stderr.
+// it back and location lines.
 #include "error/error_test_support.h"
 
 #include <tql70/aerr.h>
@@ -10,15 +10,15 @@
 #include <QChar>
 #include <QString>
 
-#include <cstdio>
 #include <functional>
 #include <string>
 
 namespace {
 
-using tql_test::child_stderr;
 using tql_test::pending_text;
 using PendingErrorTest = tql_test::ErrorStateTest;
+
+int taking_hook(char*, int, char*, char*) { return 1; }
 
 struct SetCase { const char* name; std::function<void()> set; std::string expected; };
 
@@ -50,9 +50,6 @@ TEST_F(PendingErrorTest, SettersReplaceTheErrorAndJoinParts)
     reset_pending_error();
     EXPECT_EQ(aerr_get(nullptr, nullptr, nullptr), 0);
     EXPECT_TRUE(get_pending_error(nullptr));
-    set_pending_error("");
-    EXPECT_TRUE(error_pending());
-    EXPECT_FALSE(get_pending_error(nullptr));
 }
 
 TEST_F(PendingErrorTest, LocationLinesArePrepended)
@@ -66,6 +63,10 @@ TEST_F(PendingErrorTest, LocationLinesArePrepended)
         {"coded error with empty message", [] { aerr_set("MOD", 5, "", "x"); }, "L", "L\nx"},
         {"reset coded error keeps its message", [] { aerr_set("MOD", 5, "msg", "x"); reset_pending_error(); },
          "L", "Lx"},
+        // A report keeps the message too, so the record still counts as a
+        // coded error and a location is glued on without a line feed.
+        {"reported coded error", [] { aerr_set_error_function(taking_hook); aerr_process_error("GUI", 12, "M", "T"); },
+         "L", "L"},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
@@ -74,64 +75,6 @@ TEST_F(PendingErrorTest, LocationLinesArePrepended)
         add_error_location_info(c.location);
         EXPECT_EQ(pending_text(), c.expected);
         EXPECT_EQ(error_pending(), was_pending);
-    }
-    set_pending_error("x");
-    add_error_location_info("inner");
-    add_error_location_info("outer");
-    EXPECT_EQ(pending_text(), "outer\ninner\nx");
-
-    // A report keeps the message, so the record still counts as a coded
-    // error and a location is glued on without a line feed.
-    aerr_set_error_function([](char*, int, char*, char*) { return 1; });
-    aerr_set("GUI", 12, "M", "T");
-    report_pending_error();
-    EXPECT_FALSE(error_pending());
-    add_error_location_info("L");
-    EXPECT_EQ(pending_text(), "L");
-}
-
-void print_state() { std::printf("pending=%d text=[%s]", error_pending() ? 1 : 0, pending_text().c_str()); }
-
-// What the recording hook saw; it also reads the pending error while the
-// report is in progress, which deadlocks if the lock is held.
-int g_hook_result = 0;
-std::string g_hook_seen;
-
-int recording_hook(char* module, int code, char* message, char* text)
-{
-    g_hook_seen = "[" + std::string(module) + "|" + std::to_string(code) + "|" + message + "|" + text +
-                  "|during=" + pending_text() + "] ";
-    return g_hook_result;
-}
-
-TEST_F(PendingErrorTest, ReportsGoToHooksOrStderr)
-{
-    const std::string cleared = "pending=0 text=[]";
-    const std::string kept = "pending=1 text=[keep]";
-    struct Case { const char* name; std::function<void()> body; std::string err; std::string out; };
-    const Case cases[] = {
-        {"report_error QString", [] { report_error(QString("caf") + QChar(0xE9)); },
-         "ERROR         -001 caf\xC3\xA9: \n", cleared},
-        {"report_error two parts", [] { report_error("a", "b"); }, "ERROR         -001 a\nb: \n", cleared},
-        {"nothing pending", [] { set_pending_error("keep"); reset_pending_error(); report_pending_error(); }, "",
-         "pending=0 text=[keep]"},
-        {"report_warning", [] { set_pending_error("keep"); report_warning("careful\n"); }, "WARNING careful\n",
-         kept},
-        {"report_warning empty", [] { set_pending_error("keep"); report_warning(""); }, "", kept},
-        {"error hook declines", [] { aerr_set_error_function(recording_hook); report_error("disk full"); },
-         "ERROR         -001 disk full: \n", "[|-1||disk full|during=disk full] " + cleared},
-        {"warning hook takes it",
-         [] { g_hook_result = 1; set_pending_error("keep"); aerr_set_warning_function(recording_hook); report_warning("w\n"); },
-         "", "[|-1||w\n|during=keep] " + kept},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.name);
-        std::string out;
-        const std::string err = child_stderr(
-            [&] { c.body(); std::fputs(g_hook_seen.c_str(), stdout); print_state(); },
-            &out);
-        EXPECT_EQ(err, c.err);
-        EXPECT_EQ(out, c.out);
     }
 }
 
