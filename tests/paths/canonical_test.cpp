@@ -54,6 +54,7 @@ TEST(PathCanonical, CanonicalPathsAndDirectoryNames)
         ASSERT_EQ(ZQ_canonical_path(c.in, out), out);
         EXPECT_EQ(std::string(out), c.out);
     }
+    EXPECT_EQ(ZQ_path_is_absolute("C:foo"), 1);
     EXPECT_EQ(ZQ_path_is_absolute("1:x"), 0);
     ZQ_get_directory_from_file("sub/dir\\file.txt", out);
     EXPECT_EQ(std::string(out), here + "\\sub\\dir");

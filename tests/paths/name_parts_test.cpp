@@ -85,6 +85,7 @@ TEST(FileNameParts, TrailingSeparators)
     }
     EXPECT_EQ(gfile_strip_dir_name(nullptr), 1);
     EXPECT_EQ(gfile_strip_dir_name_qt(QString("C:/")), QString("C:/"));
+    EXPECT_EQ(gfile_strip_dir_name_qt(QString("d/")), QString("d"));
     EXPECT_EQ(gfile_strip_dir_name_and_convert_qt(QString("a/b/")), QString("a\\b"));
 
     // Only the last character is looked at; an empty name stays empty.
@@ -108,8 +109,9 @@ TEST(FileNameParts, ControlCharacterRepairQuotingAndCase)
     EXPECT_STREQ(path, "C:\\\\tmp\\\\new\\\\a\\\\b\\\\v\\\\f\\\\r");
     std::free(path);
 
-    // Results of 1024 bytes or more are refused and the path is left alone.
-    std::string long_text(400, '\n');
+    // Results of 1024 bytes or more are refused and the path is left alone:
+    // 341 line feeds repaired to three bytes each, and one more byte.
+    const std::string long_text = std::string(341, '\n') + "x";
     path = strdup(long_text.c_str());
     EXPECT_EQ(gfile_fix_path(&path), 0);
     EXPECT_EQ(std::string(path), long_text);
