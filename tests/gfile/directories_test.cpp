@@ -8,7 +8,6 @@
 
 #include <cstdio>
 #include <filesystem>
-#include <fstream>
 #include <unistd.h>
 #include <sys/stat.h>
 
@@ -23,6 +22,8 @@ TEST(GfileDirectories, MkdirAndCreatability)
     ScopedCurrentDirectory cd(dir.path());
     ScopedSettingsStore store({});
     char path[256] = "a/b/c";
+    // The functions rewrite their argument, so each call gets a fresh copy.
+    const auto fresh = [&path](const std::string& text) { std::snprintf(path, sizeof path, "%s", text.c_str()); return path; };
     EXPECT_EQ(gfile_mkdir(path, 0, 0755), 0); // a\b is missing
     EXPECT_STREQ(path, "a\\b\\c");             // converted in place
     EXPECT_FALSE(fs::exists("a"));
@@ -31,11 +32,9 @@ TEST(GfileDirectories, MkdirAndCreatability)
 
     ScopedEnv home("TQL_MKDIR_HOME", dir.path() + "/home");
     fs::create_directory(dir.path() + "/home");
-    std::snprintf(path, sizeof path, "%s", "$TQL_MKDIR_HOME\\x");
-    EXPECT_EQ(gfile_mkdir(path, 0, 0755), 1);
+    EXPECT_EQ(gfile_mkdir(fresh("$TQL_MKDIR_HOME\\x"), 0, 0755), 1);
     EXPECT_TRUE(fs::is_directory(dir.path() + "/home/x"));
-    std::snprintf(path, sizeof path, "%s", "%TQL_MKDIR_HOME%/y/z");
-    EXPECT_EQ(gfile_mkdir(path, 1, 0755), 1);
+    EXPECT_EQ(gfile_mkdir(fresh("%TQL_MKDIR_HOME%/y/z"), 1, 0755), 1);
     EXPECT_TRUE(fs::is_directory(dir.path() + "/home/y/z"));
 
     ScopedEnv unset("TQL_NOSUCH", std::nullopt);
@@ -48,26 +47,21 @@ TEST(GfileDirectories, MkdirAndCreatability)
     fs::create_directory(dir.path() + "/mp");
     std::string rooted = "\\x" + dir.path().substr(1) + "/mp/made";
     rooted[2] = dir.path()[1];
-    std::snprintf(path, sizeof path, "/%s", rooted.c_str() + 1);
-    EXPECT_EQ(gfile_mkdir(path, 0, 0755), 1);
+    EXPECT_EQ(gfile_mkdir(fresh("/" + rooted.substr(1)), 0, 0755), 1);
     EXPECT_TRUE(fs::is_directory(dir.path() + "/mp/made"));
 
     // Creatability: whether gfile_mkdir could make a path, creating nothing.
     fs::create_directories("w/exists");
-    std::snprintf(path, sizeof path, "%s", "w/exists/one/two");
-    EXPECT_EQ(gfile_makebledir(path, 1), 1);
-    std::snprintf(path, sizeof path, "%s", "w/exists/one/two");
-    EXPECT_EQ(gfile_makebledir(path, 0), 0);
+    EXPECT_EQ(gfile_makebledir(fresh("w/exists/one/two"), 1), 1);
+    EXPECT_EQ(gfile_makebledir(fresh("w/exists/one/two"), 0), 0);
     EXPECT_FALSE(fs::exists("w/exists/one")); // nothing is created
 
     fs::permissions("w/exists", fs::perms::owner_write, fs::perm_options::remove);
     if (access("w/exists", W_OK) != 0) { // root may write anyway
-        std::snprintf(path, sizeof path, "%s", "w/exists/new");
-        EXPECT_EQ(gfile_makebledir(path, 1), 0);
+        EXPECT_EQ(gfile_makebledir(fresh("w/exists/new"), 1), 0);
     }
-    std::ofstream("w/file") << "x";
-    std::snprintf(path, sizeof path, "%s", "w/file/sub");
-    EXPECT_EQ(gfile_makebledir(path, 1), 0);
+    dir.write_file("w/file", "x");
+    EXPECT_EQ(gfile_makebledir(fresh("w/file/sub"), 1), 0);
 }
 
 TEST(GfileDirectories, SizesAndPaths)

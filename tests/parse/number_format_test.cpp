@@ -61,32 +61,24 @@ TEST(NumberFormatFixed, DoubleWithExponentFallback)
 {
     const Case cases[] = {
         {"zero, width 0", dbl(0.0, 0, 0), 0, ""}, {"zero, 0 decimals", dbl(0.0, 10, 0), 1, "0"},
-        {"7 bare point", dbl(7.0, 10, 0), 1, "7."},
-        {"zero aligned", dbl(0.0, 10, 2), 1, "     0.00"}, {"negative fit", dbl(-99999999.0, 10, 0), 1, "-99999999."},
+        {"7 bare point", dbl(7.0, 10, 0), 1, "7."}, {"negative fit", dbl(-99999999.0, 10, 0), 1, "-99999999."},
         {"one over", dbl(99999999.6, 10, 0), 1, "1.00e+008"},
         {"below 10^-d", dbl(0.004, 10, 2), 1, "4.00e-003"}, {"1e-23 is zero", dbl(1e-23, 10, 2), 1, "     0.00"},
         {"2e-23 is not", dbl(2e-23, 10, 2), 1, "2.00e-023"},
         {"9.995 is below", dbl(9.995, 10, 2), 1, "9.99"}, {"carry", dbl(9.9951, 10, 2), 1, "10.00"},
-        {"negative exponent", dbl(-123.456, 13, -1), 1, "-1.23456e+002"},
         {"exponent carry", dbl(9.9999, 10, -1), 1, "1.00e+001"},
         {"negative zero", dbl(-0.0, 12, -1), 1, "0.0000e+000"}, {"denormal", dbl(5e-324, 12, -1), 1, "4.9407e-324"},
         {"width 8 too narrow", dbl(123.456, 8, -1), 0, ""}, {"width 9", dbl(123.456, 9, -1), 1, "1.2e+002"},
         {"past 17 decimals", dbl(0.1, 40, 25), 1, "0.1000000000000000100000000"}, {"NaN", dbl(NAN, 20, 2), 0, ""},
     };
     for (const Case& c : cases) check(c);
-    char wide[400];
-    ASSERT_EQ(gparse_dbltoas(1e300, 380, 2, wide), 1u);
-    EXPECT_EQ(std::strlen(wide), 304u);
-    EXPECT_EQ(std::string(wide, 20), "10000000000000000525");
-    EXPECT_STREQ(wide + 301, ".00");
 }
 
 TEST(NumberFormatFixed, FloatMaxPrecisionAndFixedOnly)
 {
     const Case cases[] = {
         {"float width 7", flt(123.456f, 7, -1), 0, ""}, {"float width 8", flt(123.456f, 8, -1), 1, "1.2e+02"},
-        {"float zero", flt(1e-30f, 12, 2), 1, "       0.00"}, {"float fixed", flt(0.25f, 10, 3), 1, "0.250"},
-        {"mx below 1", dmx(0.5, 10), 1, "0.5000000"}, {"mx carry over", dmx(9.9999999999, 10), 1, "1.00e+001"},
+        {"float zero", flt(1e-30f, 12, 2), 1, "       0.00"}, {"mx carry over", dmx(9.9999999999, 10), 1, "1.00e+001"},
         {"mx float", fmx(123.456f, 10), 1, "123.45600"},
         {"xx too wide", dxx(12345.0, 8, 2), 0, ""}, {"xx sign free", dxx(-1234.0, 8, 2), 1, "-1234.00"},
         {"xx carry too wide", dxx(999.996, 7, 2), 0, ""}, {"xx small is zero", dxx(0.004, 10, 2), 1, "     0.00"},

@@ -44,14 +44,11 @@ TEST(GparseStringHelpersCopy, DistinctBuffers)
     const WriteCase cases[] = {
         {"cpystr null", nullptr, [](char* o) { gparse_cpystr(nullptr, o); }, "\0"s},
         {"strncpy n=0 writes nothing", "xy", [&](char* o) { gparse_strncpy(src, 0, o); }, ""},
-        {"strncpy one short", nullptr, [&](char* o) { gparse_strncpy(src, 5, o); }, "abcde\0"s},
         {"strncpy one over: no padding", nullptr, [&](char* o) { gparse_strncpy(src, 7, o); }, "abcdef\0"s},
         {"cpystrl n=0 gives empty", "xy", [&](char* o) { gparse_cpystrl(src, o, 0); }, "\0"s},
         {"cpystrn pads", nullptr, [](char* o) { gparse_cpystrn("abc", 5, o); }, "abc  \0"s},
-        {"cpystrn null", nullptr, [](char* o) { gparse_cpystrn(nullptr, 2, o); }, "  \0"s},
         {"szstrlj skips blanks only", nullptr, [](char* o) { gparse_szstrlj("  \tab", 5, o); }, "\tab  \0"s},
         {"szstrrj pads left", nullptr, [](char* o) { gparse_szstrrj("ab", 4, o); }, "  ab\0"s},
-        {"szstrrj keeps blanks", nullptr, [](char* o) { gparse_szstrrj(" a ", 4, o); }, "  a \0"s},
         {"szstrrj cuts", nullptr, [&](char* o) { gparse_szstrrj(src, 4, o); }, "abcd\0"s},
         {"addstr", nullptr, [](char* o) { gparse_addstr("ab", "\xe9z", o); }, "ab\xe9z\0"s},
         {"addstrn fills from b", nullptr, [](char* o) { gparse_addstrn("ab", "cdef", 4, o); }, "abcd\0"s},
@@ -60,7 +57,6 @@ TEST(GparseStringHelpersCopy, DistinctBuffers)
         {"strncat dst at n", "abcd", [](char* o) { gparse_strncat("xyz", 4, o); }, ""},
         {"strtostr from > to", nullptr, [&](char* o) { gparse_strtostr(src, 3, 2, o); }, "\0"s},
         {"strtostr past the end", nullptr, [&](char* o) { gparse_strtostr(src, 4, 40, o); }, "ef\0"s},
-        {"strtostr negative from", nullptr, [&](char* o) { gparse_strtostr(src, -3, 1, o); }, "ab\0"s},
         {"strpbl keeps tabs", nullptr, [](char* o) { gparse_strpbl("\t a \t", o); }, "\t a \t\0"s},
         {"strpbl null writes nothing", "xy", [](char* o) { gparse_strpbl(nullptr, o); }, ""},
     };

@@ -39,7 +39,7 @@ std::string first_line(const std::string& name)
 
 } // namespace
 
-TEST(FileUtf8, FopenThroughLibraryNames)
+TEST(FileUtf8, FopenAndIsDirectoryThroughLibraryNames)
 {
     TempDir dir;
     const std::string native = dir.write_file("sub dir/Größe.txt", "hello");
@@ -59,6 +59,11 @@ TEST(FileUtf8, FopenThroughLibraryNames)
     EXPECT_EQ(first_line(base + "\\missing.txt"), "<not opened>");
     EXPECT_EQ(errno, ENOENT);
     EXPECT_EQ(fopen_utf8(native.c_str(), nullptr), nullptr);
+
+    EXPECT_TRUE(is_directory_utf8((base + "\\sub dir\\").c_str()));
+    EXPECT_TRUE(is_directory_utf8("C:")); // the root
+    EXPECT_FALSE(is_directory_utf8((base + "\\sub dir\\new.txt").c_str()));
+    EXPECT_FALSE(is_directory_utf8(""));
 }
 
 TEST(FileUtf8, OpenAndUnlink)
@@ -85,18 +90,6 @@ TEST(FileUtf8, OpenAndUnlink)
     EXPECT_EQ(errno, ENOENT);
     EXPECT_EQ(open_utf8(nullptr, O_RDONLY, 0), -1);
     EXPECT_EQ(unlink_utf8(nullptr), -1);
-}
-
-TEST(FileUtf8, IsDirectory)
-{
-    TempDir dir;
-    dir.write_file("sub/g.txt", "y");
-    const std::string base = library_form(dir.path());
-    EXPECT_TRUE(is_directory_utf8(base.c_str()));
-    EXPECT_TRUE(is_directory_utf8((base + "\\sub\\").c_str()));
-    EXPECT_TRUE(is_directory_utf8("C:")); // the root
-    EXPECT_FALSE(is_directory_utf8((base + "\\sub\\g.txt").c_str()));
-    EXPECT_FALSE(is_directory_utf8(""));
 }
 
 TEST(FileUtf8, FileSizeIncludingSizesBeyondTwoGigabytes)
