@@ -23,7 +23,10 @@ TEST(GfileDirectories, MkdirAndCreatability)
     ScopedSettingsStore store({});
     char path[256] = "a/b/c";
     // The functions rewrite their argument, so each call gets a fresh copy.
-    const auto fresh = [&path](const std::string& text) { std::snprintf(path, sizeof path, "%s", text.c_str()); return path; };
+    const auto fresh = [&path](const std::string& text) {
+        std::snprintf(path, sizeof path, "%s", text.c_str());
+        return path;
+    };
     EXPECT_EQ(gfile_mkdir(path, 0, 0755), 0); // a\b is missing
     EXPECT_STREQ(path, "a\\b\\c");             // converted in place
     EXPECT_FALSE(fs::exists("a"));
