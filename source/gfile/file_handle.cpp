@@ -7,6 +7,9 @@
 
 #include <cstring>
 #include <string>
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
 
 namespace {
 
@@ -21,38 +24,126 @@ size_t line_length(const char* text)
 
 bool is_line_end(char c)
 {
-    return c == '\0' || c == '\n' || c == '\r' || c == kEndOfFileMark;
+    return c == '\n' || c == '\r' || c == kEndOfFileMark;
 }
 
-// The offset of the first NUL, LF, CR or Ctrl-Z of the `size` bytes at
-// `text`, or `size`. Sixteen bytes at a time (the last block overlapping
-// the one before): a block none of whose bytes is below 32 holds none of
-// them.
+typedef unsigned char Block __attribute__((vector_size(16)));
+
+// The offset of the first byte of `block` whose lane is set in `lanes`
+// (each 0 or 0xff), or 16 when none is.
+size_t first_lane(const Block& lanes)
+{
+#ifdef __SSE2__
+    // One instruction gathers the sixteen lanes into the bits of a mask.
+    const unsigned mask = static_cast<unsigned>(_mm_movemask_epi8(reinterpret_cast<__m128i>(lanes)));
+    return mask != 0 ? static_cast<size_t>(__builtin_ctz(mask)) : sizeof(Block);
+#else
+    typedef uint64_t Halves __attribute__((vector_size(16)));
+    const Halves halves = reinterpret_cast<Halves>(lanes);
+    const uint64_t first = halves[0];
+    const uint64_t second = halves[1];
+    if ((first | second) == 0) {
+        return sizeof(Block);
+    }
+    // Memory order is bit order on a little-endian machine, the reverse on
+    // a big-endian one.
+#if __BYTE_ORDER__ == __ORDER_BIG_ENDIAN__
+    const int bit = first != 0 ? __builtin_clzll(first) : 64 + __builtin_clzll(second);
+#else
+    const int bit = first != 0 ? __builtin_ctzll(first) : 64 + __builtin_ctzll(second);
+#endif
+    return static_cast<size_t>(bit) / 8;
+#endif
+}
+
+// The offset of the first LF, CR or Ctrl-Z of the `size` bytes at `text`,
+// or `size`. Sixteen bytes at a time: one test for any byte below 32 passes
+// over the text between line ends, the three ends are told apart only in a
+// block that has such a byte; the last few bytes one by one, so nothing
+// past the text is read.
 size_t first_line_end(const char* text, size_t size)
 {
-    typedef unsigned char Block __attribute__((vector_size(16)));
-    typedef uint64_t Halves __attribute__((vector_size(16)));
-    constexpr size_t kBlock = sizeof(Block);
-    const Block below = {32, 32, 32, 32, 32, 32, 32, 32, 32, 32, 32, 32, 32, 32, 32, 32};
     size_t at = 0;
-    while (at < size) {
-        const size_t start = size >= kBlock ? (at + kBlock <= size ? at : size - kBlock) : size;
-        if (start < size) {
-            Block block;
-            std::memcpy(&block, text + start, sizeof block);
-            const Halves control = reinterpret_cast<Halves>(block < below);
-            if ((control[0] | control[1]) == 0) {
-                at = start + kBlock;
-                continue;
-            }
-        }
-        for (const size_t stop = start < size ? start + kBlock : size; at < stop; ++at) {
-            if (is_line_end(text[at])) {
-                return at;
+    for (; at + sizeof(Block) <= size; at += sizeof(Block)) {
+        Block block;
+        std::memcpy(&block, text + at, sizeof block);
+        if (first_lane((block & 0xe0) == 0) < sizeof(Block)) {
+            const size_t end = first_lane((block == '\n') | (block == '\r') | (block == kEndOfFileMark));
+            if (end < sizeof(Block)) {
+                return at + end;
             }
         }
     }
-    return size;
+    while (at < size && !is_line_end(text[at])) {
+        ++at;
+    }
+    return at;
+}
+
+// The reader behind gfile_getline and gfile_getline_limited (each calls it
+// directly, not through the other's exported symbol): what fgets(buf, n)
+// reads, ended at its first LF, CR or Ctrl-Z (a NUL ends the text anyway),
+// the rest of a longer line thrown away.
+int read_line(FILE* fp, char* buf, int n)
+{
+    if (!fp || !buf || n < 1) {
+        return 0;
+    }
+    // Taken from the stream's buffer: each piece is searched for the line
+    // feed and for the line's end while it is still there, then copied once.
+    const size_t limit = static_cast<size_t>(n) - 1;
+    size_t stored = 0;
+    size_t cut = limit + 1; // the first LF, CR or Ctrl-Z, once found
+    bool complete = false;
+    const char* data = nullptr;
+    size_t count = 0;
+    while (!complete && stored < limit && buffered_input(fp, &data, &count)) {
+        size_t take = count < limit - stored ? count : limit - stored;
+        // One search finds the line feed when nothing else ends the line
+        // first (the usual case); after a CR or Ctrl-Z, or once the
+        // line's end is known, the line feed is looked for on its own.
+        const auto feed_from = [data, take](size_t from) {
+            const void* found = std::memchr(data + from, '\n', take - from);
+            return found ? static_cast<size_t>(static_cast<const char*>(found) - data) : take;
+        };
+        size_t feed = take; // offset of the line feed in this piece, or take
+        if (cut > limit) {
+            const size_t end = first_line_end(data, take);
+            if (end < take) {
+                cut = stored + end;
+                feed = data[end] == '\n' ? end : feed_from(end + 1);
+            }
+        } else {
+            feed = feed_from(0);
+        }
+        if (feed < take) {
+            take = feed + 1;
+            complete = true;
+        }
+        std::memcpy(buf + stored, data, take);
+        consume_input(fp, take);
+        stored += take;
+    }
+    if (stored == 0 && limit > 0) {
+        return 0;
+    }
+    buf[stored] = '\0';
+    cut = cut > stored ? stored : cut;
+    if (n > 1 && stored == limit && buf[stored - 1] != '\n' && std::strlen(buf) == stored) {
+        // Throw the rest of the over-long line away.
+        char discard[kChunk];
+        while (std::fgets(discard, sizeof discard, fp)) {
+            const size_t chunk = std::strlen(discard);
+            if (chunk > 0 && discard[chunk - 1] == '\n') {
+                break;
+            }
+        }
+    }
+    if (buf[0] == kEndOfFileMark) {
+        return 0;
+    }
+    buf[cut] = '\0';
+    return 1;
 }
 
 } // namespace
@@ -155,59 +246,12 @@ int gfile_resetfilptr(FILE* fp)
 
 int gfile_getline(FILE* fp, char* buf)
 {
-    return gfile_getline_limited(fp, buf, GFILE_LINE_MAX);
+    return read_line(fp, buf, GFILE_LINE_MAX);
 }
 
 int gfile_getline_limited(FILE* fp, char* buf, int n)
 {
-    if (!fp || !buf || n < 1) {
-        return 0;
-    }
-    // What fgets(buf, n) reads, taken from the stream's buffer: each piece
-    // is searched for the line feed and for the line's end while it is
-    // still there, then copied once.
-    const size_t limit = static_cast<size_t>(n) - 1;
-    size_t stored = 0;
-    size_t cut = limit + 1; // the first NUL, LF, CR or Ctrl-Z, once found
-    bool complete = false;
-    const char* data = nullptr;
-    size_t count = 0;
-    while (!complete && stored < limit && buffered_input(fp, &data, &count)) {
-        size_t take = count < limit - stored ? count : limit - stored;
-        size_t scanned = take;
-        if (const void* feed = std::memchr(data, '\n', take)) {
-            scanned = static_cast<size_t>(static_cast<const char*>(feed) - data);
-            take = scanned + 1;
-            complete = true;
-        }
-        if (cut > limit) {
-            const size_t end = first_line_end(data, scanned);
-            cut = end < scanned ? stored + end : complete ? stored + scanned : cut;
-        }
-        std::memcpy(buf + stored, data, take);
-        consume_input(fp, take);
-        stored += take;
-    }
-    if (stored == 0 && limit > 0) {
-        return 0;
-    }
-    buf[stored] = '\0';
-    cut = cut > stored ? stored : cut;
-    if (n > 1 && stored == limit && buf[stored - 1] != '\n' && std::strlen(buf) == stored) {
-        // Throw the rest of the over-long line away.
-        char discard[kChunk];
-        while (std::fgets(discard, sizeof discard, fp)) {
-            const size_t chunk = std::strlen(discard);
-            if (chunk > 0 && discard[chunk - 1] == '\n') {
-                break;
-            }
-        }
-    }
-    if (buf[0] == kEndOfFileMark) {
-        return 0;
-    }
-    buf[cut] = '\0';
-    return 1;
+    return read_line(fp, buf, n);
 }
 
 int gfile_putline(FILE* fp, int newline, const char* text)

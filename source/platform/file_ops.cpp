@@ -86,18 +86,14 @@ KernelCopy kernel_copy(FILE* in, FILE* out, unsigned long long bytes)
     return KernelCopy::kDone;
 }
 
-bool buffered_input(FILE* file, const char** data, size_t* count)
+bool refill_input(FILE* file)
 {
-    // glibc's read pointers; getc_unlocked refills an empty buffer, and the
-    // character it took is put back by stepping the pointer back.
-    if (file->_IO_read_ptr >= file->_IO_read_end) {
-        if (getc_unlocked(file) == EOF) {
-            return false;
-        }
-        --file->_IO_read_ptr;
+    // getc_unlocked refills the buffer; the character it took is put back
+    // by stepping glibc's read pointer back.
+    if (getc_unlocked(file) == EOF) {
+        return false;
     }
-    *data = file->_IO_read_ptr;
-    *count = static_cast<size_t>(file->_IO_read_end - file->_IO_read_ptr);
+    --file->_IO_read_ptr;
     return true;
 }
 

@@ -100,8 +100,19 @@ KernelCopy kernel_copy(FILE* in, FILE* out, unsigned long long bytes);
 
 // The bytes the stream has buffered for reading (refilled from the file
 // when none are left), for readers that scan them in place; false at the
-// end of the file or on an error.
-bool buffered_input(FILE* file, const char** data, size_t* count);
+// end of the file or on an error. refill_input fills an empty buffer.
+bool refill_input(FILE* file);
+inline bool buffered_input(FILE* file, const char** data, size_t* count)
+{
+    // glibc's read pointers; the refill is out of line, the common case is
+    // a few loads for readers that call this once a line.
+    if (file->_IO_read_ptr >= file->_IO_read_end && !refill_input(file)) {
+        return false;
+    }
+    *data = file->_IO_read_ptr;
+    *count = static_cast<size_t>(file->_IO_read_end - file->_IO_read_ptr);
+    return true;
+}
 // Marks `count` of the bytes given by buffered_input as read.
 inline void consume_input(FILE* file, size_t count)
 {

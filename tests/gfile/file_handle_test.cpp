@@ -54,6 +54,22 @@ TEST(FileHandle, LineEndsEndOfFileMarkAndLongLines)
     // A line of exactly 1,023 characters fits and keeps the next line.
     const std::string exact = dir.write_file("exact.txt", std::string(1023, 'e') + "\nafter\n");
     EXPECT_EQ(limited_lines(exact), (V{std::string(1023, 'e'), "after"}));
+
+    // Each end at every offset of the sixteen-byte blocks the search takes
+    // and of the byte-by-byte tail after them, alone in its block or not.
+    const std::string b(20, 'b');
+    for (size_t at = 0; at < 40; ++at) {
+        const std::string a(at, 'a');
+        for (const char end : {'\n', '\r', '\0', '\x1a', '\t'}) {
+            SCOPED_TRACE(std::to_string(at) + " " + std::to_string(end));
+            const std::string text = a + end + b + "\nnext\n";
+            const V expected = end == '\n' ? V{a, b, "next"}
+                               : end == '\t' ? V{a + "\t" + b, "next"}
+                               : end == '\x1a' && at == 0 ? V{}
+                                                          : V{a, "next"};
+            EXPECT_EQ(limited_lines(dir.write_file("at.txt", text)), expected);
+        }
+    }
 }
 
 TEST(FileHandle, ModesBlocksCharactersAndPositions)
