@@ -55,9 +55,17 @@ TEST(FileHandle, LineEndsEndOfFileMarkAndLongLines)
     const std::string exact = dir.write_file("exact.txt", std::string(1023, 'e') + "\nafter\n");
     EXPECT_EQ(limited_lines(exact), (V{std::string(1023, 'e'), "after"}));
 
+    const std::string b(20, 'b');
+    // A CR just before the stream's 4,096-byte buffer runs out: the line
+    // feed is found in the refilled buffer.
+    std::string before;
+    for (int i = 0; i < 40; ++i) before += std::string(99, 'x') + "\n";
+    const V refilled = limited_lines(dir.write_file("refill.txt", before + std::string(90, 'p') + "\r" + b + "\nnext\n"));
+    ASSERT_EQ(refilled.size(), 42u);
+    EXPECT_EQ(refilled[40] + "|" + refilled[41], std::string(90, 'p') + "|next");
+
     // Each end at every offset of the sixteen-byte blocks the search takes
     // and of the byte-by-byte tail after them, alone in its block or not.
-    const std::string b(20, 'b');
     for (size_t at = 0; at < 40; ++at) {
         const std::string a(at, 'a');
         for (const char end : {'\n', '\r', '\0', '\x1a', '\t'}) {
