@@ -60,7 +60,8 @@ TEST(FileHandle, LineEndsEndOfFileMarkAndLongLines)
     // feed is found in the refilled buffer.
     std::string before;
     for (int i = 0; i < 40; ++i) before += std::string(99, 'x') + "\n";
-    const V refilled = limited_lines(dir.write_file("refill.txt", before + std::string(90, 'p') + "\r" + b + "\nnext\n"));
+    const std::string crossing = before + std::string(90, 'p') + "\r" + b + "\nnext\n";
+    const V refilled = limited_lines(dir.write_file("refill.txt", crossing));
     ASSERT_EQ(refilled.size(), 42u);
     EXPECT_EQ(refilled[40] + "|" + refilled[41], std::string(90, 'p') + "|next");
 
